@@ -10,6 +10,7 @@
 class QWidget;
 
 namespace Zal {
+class CfgNode;
 namespace GTools {
 
 // What a modal dialog of the host layer asked.
@@ -120,6 +121,11 @@ public:
     static QString getText(const QString &id);
     static bool isEnabled(const QString &id);
     static void setEnabled(const QString &id, bool enabled);
+    // The states live in the boolean items of the node's child node
+    // "InfoMessages" (item key: the identifier), when the host created that
+    // child; without it the states last for the session only.
+    static void readInfoStatus(CfgNode *node);
+    static void writeInfoStatus(CfgNode *node);
     static void deleteAllInfoMessages();
 
 private:

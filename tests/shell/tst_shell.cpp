@@ -1,0 +1,533 @@
+#include "gapp_application.h"
+#include "gapp_config_keys_p.h"
+#include "gapp_init.h"
+#include "gapp_main_window.h"
+#include "gapp_safemode.h"
+#include "gapp_status_mgr.h"
+#include "zal_cfg.h"
+#include "zal_cfg_array.h"
+#include "zal_dialogs.h"
+#include "zal_os.h"
+#include "zal_services.h"
+#include "zal_translate.h"
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <cstdio>
+#include <memory>
+#include <unistd.h>
+
+using namespace Zal;
+using namespace Zal::GApp;
+
+namespace {
+
+template <class F> QByteArray captureStdout(F fn)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("out.txt"));
+    std::fflush(stdout);
+    const int saved = dup(fileno(stdout));
+    FILE *f = std::fopen(QFile::encodeName(path).constData(), "w");
+    dup2(fileno(f), fileno(stdout));
+    fn();
+    std::fflush(stdout);
+    dup2(saved, fileno(stdout));
+    ::close(saved);
+    std::fclose(f);
+    QFile in(path);
+    in.open(QIODevice::ReadOnly);
+    return in.readAll();
+}
+
+void writeFile(const QString &path, const QByteArray &data)
+{
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(data);
+}
+
+QStringList keysOf(const CfgNode *node)
+{
+    QStringList keys;
+    for (const auto &entry : node->getItems())
+        keys << entry.first.toQString();
+    return keys;
+}
+
+} // namespace
+
+class TestShell : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> _userDir;
+
+    QString userFile(const QString &suffix) const
+    {
+        return _userDir->filePath(ZalInit::getApplicationName() + suffix);
+    }
+
+    // A main window on a fresh library node; the arguments stay readable.
+    MainWindow *openWindow(QStringList &args)
+    {
+        return new MainWindow("shell test", new AppStatusManager, InitLibrary(), args);
+    }
+
+private slots:
+    void init()
+    {
+        _userDir = std::make_unique<QTemporaryDir>();
+        qputenv("ZAL_USER_CONFIG_DIR", _userDir->path().toLocal8Bit());
+        qputenv("ZAL_SHARED_CONFIG_DIR", QByteArray("/nonexistent-shared"));
+        QDir(_userDir->path()).mkpath(QStringLiteral("tmp"));
+        ZalInit::_app = 0;
+    }
+
+    void cleanup()
+    {
+        delete MainWindow::main_win;
+        OS::setMaxVirtualMemorySize(2147483647);
+        _userDir.reset();
+    }
+
+    void initLibraryAddsTheItemsInOrder()
+    {
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        QCOMPARE(node->getKey().toQString(), ZalInit::getApplicationName());
+        QCOMPARE(keysOf(node.get()),
+                 QStringList({QString::fromLatin1(CFG_LEVEL_ENTRY), "Language", "UnitEntry", "UserDirectory",
+                              "ImageFileFormat", "VideoFileFormat", "UseLargeIcons", "VirtualMemoryLimit",
+                              "IgnoredSystemTemplates", "MainWinLayout", "RemoteControl", "RenderOptions"}));
+        QCOMPARE(keysOf(node->getNode("UserDirectory")),
+                 QStringList({"RecentFileNames2", "RecentFileCommands2", "RecentFileParams2",
+                              "RecentFileAppModes2", "RecentFileVersion", "ProjectBase", "TempDir",
+                              "ClipboardDir"}));
+        QCOMPARE(keysOf(node->getNode("MainWinLayout")), QStringList({"MainArea", "Toolbars3"}));
+        QCOMPARE(node->getNode("RemoteControl")->getItems().size(), size_t(15));
+        QVERIFY(node->getNode("RenderOptions")->getItems().empty());
+    }
+
+    void initLibraryDefaults()
+    {
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        CfgInt *level = node->getInt(CFG_LEVEL_ENTRY);
+        QCOMPARE(level->getValue(), 0);
+        QCOMPARE(level->getMax(), 1);
+        QCOMPARE(int(level->getFlags()), 0);
+        QCOMPARE(node->getList("Language")->getValue(), Translator::getDefaultLanguage());
+        QVERIFY(node->getBool(CFG_UNIT_NODE)->getValue());
+        for (const char *key : {CFG_RECENT_FILE_NAMES, CFG_RECENT_FILE_COMMANDS, CFG_RECENT_FILE_PARAMS,
+                                CFG_RECENT_FILE_APPMODES, "MainWinLayout/MainArea", "MainWinLayout/Toolbars3"}) {
+            auto *array = node->getArray<QString>(key);
+            QVERIFY2(array, key);
+            QCOMPARE(array->size(), 0);
+            QVERIFY(!array->isFixedSize());
+            QCOMPARE(int(array->getFlags()), 2);
+        }
+        QCOMPARE(node->getUInt("UserDirectory/RecentFileVersion")->getMax(), 4294967295u);
+        QCOMPARE(node->getFileName(CFG_PROJECT_BASE)->getValue(), Dir::documentsPath());
+        QCOMPARE(node->getFileName(CFG_TEMP_DIR)->getValue(), _userDir->path() + "/tmp");
+        QCOMPARE(node->getFileName(CFG_CLIPBOARD_DIR)->getValue(), _userDir->path());
+        QCOMPARE(node->getList(CFG_IMAGE_FILE_FORMAT)->getValue(), 2);
+        QCOMPARE(node->getList(CFG_IMAGE_FILE_FORMAT)->getEntries(),
+                 std::vector<QString>({"TIFF", "JPEG", "PNG"}));
+        QCOMPARE(node->getList(CFG_VIDEO_FILE_FORMAT)->getValue(), 1);
+        QVERIFY(!node->getBool("UseLargeIcons")->getValue());
+        CfgDbl *vm = node->getDbl("VirtualMemoryLimit");
+        QCOMPARE(vm->getValue(), 0.0);
+        QCOMPARE(vm->getMax(), 100.0);
+        QCOMPARE(int(vm->getFlags()), 5);
+        QCOMPARE(int(node->getArray<QString>(CFG_IGNORED_SYSTEM_TEMPLATES)->getFlags()), 0);
+        QCOMPARE(node->getInt("RemoteControl/MeasurementKeycode")->getValue(), 0x01000017);
+        QCOMPARE(node->getInt("RemoteControl/UndoKeycode")->getValue(), 0x01000016);
+        QCOMPARE(node->getInt("RemoteControl/ReferenceKeycode")->getValue(), 0x2E);
+        QCOMPARE(node->getFileName("RemoteControl/OkSound2")->getValue(), QStringLiteral("sounds/ok.wav"));
+        QCOMPARE(node->getFileName("RemoteControl/CreateSound2")->getValue(), QStringLiteral("sounds/create.wav"));
+        QCOMPARE(int(node->getFileName("RemoteControl/CreateSound2")->getMode()), 2);
+    }
+
+    void applicationTypeDecidesLevelFlagAndVideoFormats()
+    {
+        ZalInit::_app = 9;
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        QCOMPARE(int(node->getInt(CFG_LEVEL_ENTRY)->getFlags()), 1);
+        QVERIFY(!node->getList(CFG_VIDEO_FILE_FORMAT));
+        ZalInit::_app = 11;
+        node.reset(InitLibrary());
+        QVERIFY(node->getList(CFG_VIDEO_FILE_FORMAT));
+    }
+
+    void initLibraryRegistersErrorCodesAndInfo()
+    {
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        QCOMPARE(GTools::ErrorMessageContainer::getCodes(),
+                 QStringList({"GAPP-0002", "GAPP-0003", "GAPP-0004", "GAPP-0016", "GAPP-0009", "GAPP-0007",
+                              "GAPP-0008", "GAPP-0011", "GAPP-0012", "GAPP-0013", "GAPP-0014", "GAPP-0015"}));
+        QCOMPARE(GTools::ErrorMessageContainer::getText("GAPP-0002"), QStringLiteral("another fuction is active"));
+        QCOMPARE(GTools::ErrorMessageContainer::getTextWt("GAPP-0016"),
+                 QStringLiteral("command not allowed in this application mode wt"));
+        QCOMPARE(GTools::InfoMessageContainer::getText("gapp_window_size_limited"),
+                 QStringLiteral("the currently active renderer does not allow the window to be fully maximized."));
+    }
+
+    void arguments_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QStringList>("left");
+        QTest::addColumn<QString>("configFile");
+        QTest::addColumn<bool>("safemode");
+        QTest::newRow("both") << QStringList{"prog", "-config", "my.cfg", "-safemode"} << QStringList{"prog"}
+                              << "my.cfg" << true;
+        QTest::newRow("config last") << QStringList{"prog", "-safemode", "-config"}
+                                     << QStringList{"prog", "-config"} << QString() << true;
+        QTest::newRow("first only") << QStringList{"prog", "-config", "a.cfg", "-config", "b.cfg"}
+                                    << QStringList{"prog", "-config", "b.cfg"} << "a.cfg" << false;
+        QTest::newRow("program name is no option") << QStringList{"-safemode"} << QStringList{"-safemode"}
+                                                   << QString() << false;
+    }
+
+    void arguments()
+    {
+        QFETCH(QStringList, args);
+        GTools::ScriptedDialogs dialogs;
+        MainWindow *w = openWindow(args);
+        QTEST(args, "left");
+        QTEST(w->getConfigFileName(), "configFile");
+        QTEST(w->isSafemode(), "safemode");
+    }
+
+    void secondMainWindowThrows()
+    {
+        QStringList args{"prog"};
+        openWindow(args);
+        CfgNode *node = InitLibrary();
+        auto *smgr = new AppStatusManager;
+        try {
+            MainWindow second("second", smgr, node, args);
+            QFAIL("no exception");
+        } catch (const ProgError &e) {
+            QCOMPARE(e.getMessage(), QStringLiteral("trying to create second main window"));
+        }
+        delete smgr;
+        delete node;
+        QVERIFY(MainWindow::main_win);
+        QCOMPARE(MainWindow::main_win->getCaption(), QStringLiteral("shell test"));
+    }
+
+    void freshStartKeepsDefaults()
+    {
+        GTools::ScriptedDialogs dialogs;
+        QStringList args{"prog"};
+        MainWindow *w = openWindow(args);
+        QVERIFY(w->loadConfiguration());
+        w->checkConfiguration();
+        QVERIFY(dialogs.requests().empty());
+        QVERIFY(!QFile::exists(userFile(".cfg.bad")));
+    }
+
+    void damagedFileIsKeptAndDefaultsStand()
+    {
+        writeFile(userFile(".cfg"), QByteArray("\x01\x02 not a configuration\n"));
+        GTools::ScriptedDialogs dialogs;
+        QStringList args{"prog"};
+        MainWindow *w = openWindow(args);
+        QFile bad(userFile(".cfg.bad"));
+        QVERIFY(bad.open(QIODevice::ReadOnly));
+        QCOMPARE(bad.readAll(), QByteArray("\x01\x02 not a configuration\n"));
+        QCOMPARE(MainWindow::cfg->getInt(CFG_LEVEL_ENTRY)->getValue(), 0);
+        QVERIFY(!MainWindow::cfg->getBool("UseLargeIcons")->getValue());
+        w->checkConfiguration();
+        QCOMPARE(int(dialogs.requests().size()), 1);
+        QCOMPARE(dialogs.requests()[0].title, QStringLiteral("configuration error"));
+        QCOMPARE(dialogs.requests()[0].text,
+                 QStringLiteral("the configuration file is invalid. default values will be used."));
+    }
+
+    void saveWritesAFileThatLoadsBack()
+    {
+        QStringList args{"prog"};
+        MainWindow *w = openWindow(args);
+        MainWindow::cfg->getBool("UseLargeIcons")->setValue(true);
+        MainWindow::cfg->getInt(CFG_LEVEL_ENTRY)->setValue(1);
+        MainWindow::cfg->getArray<QString>(CFG_RECENT_FILE_NAMES)->addValue(QStringLiteral("/data/part | 1.stl"));
+        QSignalSpy saved(w, &MainWindow::saveConfigSignal);
+        QVERIFY(w->saveConfiguration());
+        QCOMPARE(saved.count(), 1);
+        QVERIFY(!QFile::exists(ConfigFile::tempFileName(userFile(".cfg"))));
+
+        std::unique_ptr<CfgNode> fresh(InitLibrary());
+        bool found = false;
+        QVERIFY(ConfigFile::load(fresh.get(), userFile(".cfg"), &found));
+        QVERIFY(found);
+        QVERIFY(fresh->getBool("UseLargeIcons")->getValue());
+        QCOMPARE(fresh->getArray<QString>(CFG_RECENT_FILE_NAMES)->getValues(),
+                 std::vector<QString>({"/data/part | 1.stl"}));
+        // The editing level always starts at 0, whatever was saved.
+        delete w;
+        MainWindow *again = openWindow(args);
+        QVERIFY(again);
+        QCOMPARE(MainWindow::cfg->getInt(CFG_LEVEL_ENTRY)->getValue(), 0);
+        QVERIFY(MainWindow::cfg->getBool("UseLargeIcons")->getValue());
+    }
+
+    void failedSaveLeavesNoTemporaryFile()
+    {
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        const QString missingDir = _userDir->filePath("no/such/dir/app.cfg");
+        QVERIFY(!ConfigFile::save(node.get(), missingDir));
+        QVERIFY(!QFile::exists(ConfigFile::tempFileName(missingDir)));
+
+        // A directory in the file's place cannot be replaced: it stays.
+        const QString blocked = _userDir->filePath("blocked.cfg");
+        QVERIFY(QDir().mkpath(blocked));
+        QVERIFY(!ConfigFile::save(node.get(), blocked));
+        QVERIFY(QFileInfo(blocked).isDir());
+        QVERIFY(!QFile::exists(ConfigFile::tempFileName(blocked)));
+    }
+
+    void twoProcessesUseDifferentTemporaryFiles()
+    {
+        const QString file = userFile(".cfg");
+        QProcess child;
+        child.start(QStringLiteral(ZAL_TEST_HELPER), {QStringLiteral("cfg-temp-name"), file});
+        QVERIFY(child.waitForFinished(30000));
+        const QList<QByteArray> out = child.readAllStandardOutput().trimmed().split(' ');
+        QCOMPARE(out.size(), 2);
+        const QString childTemp = QString::fromLocal8Bit(out[1]);
+        QCOMPARE(childTemp, file + QStringLiteral("-tmp-") + QString::fromLatin1(out[0]));
+        QVERIFY(childTemp != ConfigFile::tempFileName(file));
+        QCOMPARE(ConfigFile::tempFileName(file), file + QStringLiteral("-tmp-%1").arg(OS::getPID()));
+    }
+
+    void processKilledWhileSavingLeavesALoadableFile()
+    {
+        const QString file = userFile(".cfg");
+        {
+            std::unique_ptr<CfgNode> node(InitLibrary());
+            node->getBool("UseLargeIcons")->setValue(true);
+            QVERIFY(ConfigFile::save(node.get(), file));
+        }
+        for (int round = 0; round < 3; ++round) {
+            QProcess child;
+            child.start(QStringLiteral(ZAL_TEST_HELPER), {QStringLiteral("cfg-save-loop"), file});
+            QVERIFY(child.waitForStarted(30000));
+            // The child announces every save it starts; kill it in the middle of one.
+            QByteArray seen;
+            while (!seen.contains("saving 2") && child.waitForReadyRead(30000))
+                seen += child.readAllStandardOutput();
+            QVERIFY(seen.contains("saving 2"));
+            child.kill();
+            QVERIFY(child.waitForFinished(30000));
+
+            std::unique_ptr<CfgNode> node(InitLibrary());
+            QVERIFY(node->load(file));
+            QVERIFY(node->getBool("UseLargeIcons")->getValue());
+        }
+    }
+
+    void recentFileLists_data()
+    {
+        QTest::addColumn<int>("names");
+        QTest::addColumn<int>("commands");
+        QTest::addColumn<unsigned>("version");
+        QTest::addColumn<bool>("cleared");
+        QTest::newRow("unequal") << 3 << 2 << 100u << true;
+        QTest::newRow("old version") << 2 << 2 << 0u << true;
+        QTest::newRow("consistent") << 2 << 2 << 100u << false;
+    }
+
+    void recentFileLists()
+    {
+        QFETCH(int, names);
+        QFETCH(int, commands);
+        QFETCH(unsigned, version);
+        QStringList args{"prog"};
+        MainWindow *w = openWindow(args);
+        CfgNode *cfg = MainWindow::cfg;
+        for (int i = 0; i < names; ++i) {
+            cfg->getArray<QString>(CFG_RECENT_FILE_NAMES)->addValue(QString::number(i));
+            cfg->getArray<QString>(CFG_RECENT_FILE_PARAMS)->addValue(QString::number(i));
+            cfg->getArray<QString>(CFG_RECENT_FILE_APPMODES)->addValue(QString::number(i));
+        }
+        for (int i = 0; i < commands; ++i)
+            cfg->getArray<QString>(CFG_RECENT_FILE_COMMANDS)->addValue(QString::number(i));
+        cfg->getUInt("UserDirectory/RecentFileVersion")->setValue(version);
+        w->applyConfiguration(ZalString(WHOLE_CONFIG_CHANGED));
+        QFETCH(bool, cleared);
+        QCOMPARE(cfg->getArray<QString>(CFG_RECENT_FILE_NAMES)->size(), cleared ? 0 : names);
+        QCOMPARE(cfg->getArray<QString>(CFG_RECENT_FILE_COMMANDS)->size(), cleared ? 0 : commands);
+        QCOMPARE(cfg->getUInt("UserDirectory/RecentFileVersion")->getValue(), 100u);
+    }
+
+    void memoryLimit_data()
+    {
+        QTest::addColumn<double>("factor");
+        QTest::addColumn<int>("memory");
+        QTest::addColumn<int>("limit");
+        QTest::newRow("off") << 0.0 << 8000000 << 2147483647;
+        QTest::newRow("tiny") << 1e-60 << 8000000 << 2147483647;
+        QTest::newRow("raised to the floor") << 0.001 << 8000000 << 65536;
+        QTest::newRow("half") << 0.5 << 8000000 << 4000000;
+        QTest::newRow("beyond int") << 100.0 << 2000000000 << 2147483647;
+    }
+
+    void memoryLimit()
+    {
+        QFETCH(double, factor);
+        QFETCH(int, memory);
+        QTEST(virtualMemoryLimit(factor, memory), "limit");
+    }
+
+    void applyPassesTheLimitAndTheSounds()
+    {
+        QStringList args{"prog"};
+        MainWindow *w = openWindow(args);
+        QSignalSpy applied(w, &MainWindow::applyConfigSignal);
+        MainWindow::cfg->getDbl("VirtualMemoryLimit")->setValue(50.0);
+        MainWindow::cfg->getFileName("RemoteControl/UndoSound2")->setValue(QStringLiteral("/abs/undo.wav"));
+        MainWindow::cfg->getFileName("RemoteControl/CreateSound2")->setValue(QString());
+        MainWindow::cfg->getInt("RemoteControl/ReferenceKeycode")->setValue(0x41);
+        w->applyConfiguration(ZalString("VirtualMemoryLimit"));
+        QCOMPARE(applied.count(), 1);
+        QCOMPARE(OS::getMaxVirtualMemorySize(), virtualMemoryLimit(50.0, OS::getSizeOfMemory()));
+        QCOMPARE(Sound::getSoundFileName(0), ZalInit::getSoftwareDirectory() + "/config/sounds/ok.wav");
+        QCOMPARE(Sound::getSoundFileName(10), QStringLiteral("/abs/undo.wav"));
+        QCOMPARE(Sound::getSoundFileName(11), QString());
+        QCOMPARE(RemoteKeyboardHandler::getReferenceKey(), 0x41);
+        QCOMPARE(RemoteKeyboardHandler::getMeasurementKey(), 0x01000017);
+        QCOMPARE(Token::getTempDir(), _userDir->path() + "/tmp");
+    }
+
+    void safemodeDisablesTheMemoryLimit()
+    {
+        {
+            std::unique_ptr<CfgNode> node(InitLibrary());
+            node->getDbl("VirtualMemoryLimit")->setValue(0.5);
+            QVERIFY(ConfigFile::save(node.get(), userFile(".cfg")));
+        }
+        QStringList args{"prog", "-safemode"};
+        const QByteArray out = captureStdout([&] { openWindow(args); });
+        QVERIFY2(out.contains("): Safemode: disabling virtual memory limit\n"), out.constData());
+        QCOMPARE(MainWindow::cfg->getDbl("VirtualMemoryLimit")->getValue(), 0.0);
+        QCOMPARE(OS::getMaxVirtualMemorySize(), 2147483647);
+        delete MainWindow::main_win; // saves the factor 0 back
+
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        node->getDbl("VirtualMemoryLimit")->setValue(0.5);
+        QVERIFY(ConfigFile::save(node.get(), userFile(".cfg")));
+        QStringList plain{"prog"};
+        const QByteArray quiet = captureStdout([&] { openWindow(plain); });
+        QVERIFY(!quiet.contains("Safemode"));
+        QCOMPARE(OS::getMaxVirtualMemorySize(), virtualMemoryLimit(0.5, OS::getSizeOfMemory()));
+    }
+
+    void missingTemporaryDirectoryIsReported()
+    {
+        GTools::ScriptedDialogs dialogs;
+        QStringList args{"prog"};
+        MainWindow *w = openWindow(args);
+        MainWindow::cfg->getFileName(CFG_TEMP_DIR)->setValue(_userDir->filePath("missing"));
+        w->checkConfiguration();
+        QCOMPARE(int(dialogs.requests().size()), 1);
+        QCOMPARE(dialogs.requests()[0].text,
+                 QStringLiteral("the configured temporary directory does not exist. set an existing and "
+                                "writable directory in the preferences "));
+    }
+
+    void temporaryFilesOlderThan21DaysGo()
+    {
+        QTemporaryDir dir;
+        const QDateTime now = QDateTime::currentDateTime();
+        auto touch = [&](const QString &name, const QDateTime &when) {
+            const QString path = dir.filePath(name);
+            writeFile(path, "x");
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::ReadWrite));
+            QVERIFY(f.setFileTime(when, QFileDevice::FileModificationTime));
+        };
+        // Creation times are now; the cleaning looks 22 days ahead, so
+        // "now" is as old as a file created 22 days ago.
+        const QDateTime later = now.addDays(22);
+        touch("old.tmp", now.addDays(-30));
+        touch("recent.tmp", now.addDays(1)); // modified 21 days before `later`
+        touch("readonly.tmp", now.addDays(-30));
+        QFile::setPermissions(dir.filePath("readonly.tmp"), QFileDevice::ReadOwner);
+        QVERIFY(QDir(dir.path()).mkpath("sub"));
+        touch("sub/inner.tmp", now.addDays(-30));
+
+        cleanTemporaryDirectory(dir.path(), later);
+        QVERIFY(!QFile::exists(dir.filePath("old.tmp")));
+        QVERIFY(QFile::exists(dir.filePath("recent.tmp")));
+        QVERIFY(QFile::exists(dir.filePath("readonly.tmp")));
+        QVERIFY(QFile::exists(dir.filePath("sub/inner.tmp")));
+    }
+
+    void singletonsRefuseASecondInstance()
+    {
+        struct Ssh : SaveSessionHandler {
+            bool canSaveSession() override { return true; }
+            bool saveSession() override { return true; }
+        };
+        struct Resolver : ResolveInterface {
+            QString resolve(const QString &p) override { return p + "!"; }
+        };
+        struct Drop : DropInterface {
+            void handleDrop(QList<QUrl> &) override {}
+        };
+        auto expectThrow = [](auto make, const QString &text) {
+            try {
+                make();
+                QFAIL("no exception");
+            } catch (const ProgError &e) {
+                QCOMPARE(e.getMessage(), text);
+            }
+        };
+        {
+            Ssh first;
+            expectThrow([] { Ssh second; }, "trying to register second save session handler");
+            QCOMPARE(SaveSessionHandler::ssh, static_cast<SaveSessionHandler *>(&first));
+        }
+        QVERIFY(!SaveSessionHandler::ssh);
+        {
+            QCOMPARE(ResolveInterface::resolveParameterString("a=1"), QStringLiteral("a=1"));
+            Resolver first;
+            expectThrow([] { Resolver second; }, "ResolveInterface is a singleton class");
+            QCOMPARE(ResolveInterface::resolveParameterString("a=1"), QStringLiteral("a=1!"));
+            ResolveInterface::setResolveItems(false);
+            QCOMPARE(ResolveInterface::resolveParameterString("a=1"), QStringLiteral("a=1"));
+            ResolveInterface::setResolveItems(true);
+        }
+        auto *drop = new Drop;
+        expectThrow([] { Drop second; }, "Instance exists already");
+        QCOMPARE(DropInterface::instance(), static_cast<DropInterface *>(drop));
+        delete drop;
+        Drop again;
+        QCOMPARE(DropInterface::instance(), static_cast<DropInterface *>(&again));
+        expectThrow([] { Safemode::registerCallback(nullptr); }, "NULL callback");
+    }
+
+    void qtMessagesGoToStandardError()
+    {
+        QProcess child;
+        child.start(QStringLiteral(ZAL_TEST_HELPER), {QStringLiteral("qt-messages")});
+        QVERIFY(child.waitForFinished(30000));
+        const QByteArray err = child.readAllStandardError();
+        QVERIFY2(err.contains("Qt Warning: careful\n"), err.constData());
+        QVERIFY(err.contains("Qt Fatal: boom\n"));
+        QVERIFY(err.indexOf("Qt Warning") < err.indexOf("Qt Fatal"));
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit); // aborted
+    }
+};
+
+int main(int argc, char **argv)
+{
+    Application app(argc, argv);
+    TestShell test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_shell.moc"
