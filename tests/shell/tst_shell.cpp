@@ -3,6 +3,7 @@
 #include "gapp_init.h"
 #include "gapp_main_window.h"
 #include "gapp_safemode.h"
+#include "gapp_status_data.h"
 #include "gapp_status_mgr.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
@@ -18,6 +19,7 @@
 #include <QtTest>
 #include <cstdio>
 #include <memory>
+#include <set>
 #include <unistd.h>
 
 using namespace Zal;
@@ -57,6 +59,39 @@ QStringList keysOf(const CfgNode *node)
         keys << entry.first.toQString();
     return keys;
 }
+
+// One application type whose answers the tests set.
+class FakeStatus : public StatusData
+{
+public:
+    FakeStatus(unsigned int mode, int *commits) : StatusData(mode, QString()), _commits(commits) {}
+    QString getMainMenuName() override { return QString(); }
+    bool isAppModeChangePossible(unsigned int) override { return true; }
+    bool canExitProgram() override { return canExit; }
+    void exitProgram() override {}
+    void commitData() override { ++*_commits; }
+    bool isEmpty() override { return data.empty(); }
+    std::vector<const char *> getAdditionalSelectionNames() override { return {}; }
+    std::vector<QString> getSelectedData(const char *) override { return data; }
+    std::vector<QString> getAllData() override { return data; }
+    bool isDataModified(const QString &name) const override { return modified.count(name) != 0; }
+
+    bool canExit = true;
+    std::vector<QString> data;
+    std::set<QString> modified;
+
+private:
+    int *_commits;
+};
+
+struct SessionSaver : SaveSessionHandler
+{
+    bool canSaveSession() override { return can; }
+    bool saveSession() override { ++saves; return succeeds; }
+    bool can = true;
+    bool succeeds = true;
+    int saves = 0;
+};
 
 } // namespace
 
@@ -508,6 +543,99 @@ private slots:
         Drop again;
         QCOMPARE(DropInterface::instance(), static_cast<DropInterface *>(&again));
         expectThrow([] { Safemode::registerCallback(nullptr); }, "NULL callback");
+    }
+
+    void applicationSetsFontSubstitutions()
+    {
+        // Qt keeps substitutes in lower case.
+        QCOMPARE(QFont::substitute(QStringLiteral("Luxi Sans")), QStringLiteral("arial"));
+        QCOMPARE(QFont::substitute(QStringLiteral("Luxi Mono")), QStringLiteral("courier new"));
+        QCOMPARE(QFont::substitute(QStringLiteral("Luxi Serif")), QStringLiteral("times new roman"));
+        QVERIFY(!QApplication::desktopSettingsAware());
+        auto *app = qobject_cast<Application *>(qApp);
+        QVERIFY(app);
+        QCOMPARE(app->myMouseButtons(), QFlags<Qt::MouseButton>(Qt::NoButton));
+    }
+
+    // The log-off decision: which dialog is asked, what the session manager gets.
+    void logOff_data()
+    {
+        QTest::addColumn<bool>("modified");
+        QTest::addColumn<bool>("interaction");
+        QTest::addColumn<int>("handler");    // 0 none, 1 can save, 2 cannot save, 3 save fails
+        QTest::addColumn<int>("answer");     // scripted button
+        QTest::addColumn<QString>("dialog"); // kind asked, empty for none
+        QTest::addColumn<int>("result");
+        QTest::addColumn<int>("commits");
+        QTest::addColumn<int>("saves");
+        const int leave = Application::SESSION_LEAVE_ALONE, release = Application::SESSION_RELEASE,
+                  cancel = Application::SESSION_CANCEL;
+        QTest::newRow("nothing unsaved") << false << true << 1 << 0 << QString() << leave << 2 << 0;
+        QTest::newRow("no interaction") << true << false << 1 << 0 << QString() << cancel << 0 << 0;
+        QTest::newRow("no handler, exit") << true << true << 0 << 0 << "okcancel" << release << 2 << 0;
+        QTest::newRow("no handler, cancel") << true << true << 0 << 1 << "okcancel" << cancel << 0 << 0;
+        QTest::newRow("handler cannot save") << true << true << 2 << 1 << "okcancel" << cancel << 0 << 0;
+        QTest::newRow("save session") << true << true << 1 << 0 << "yesnocancel" << release << 2 << 1;
+        QTest::newRow("save session fails") << true << true << 3 << 0 << "yesnocancel" << cancel << 0 << 1;
+        QTest::newRow("exit anyway") << true << true << 1 << 1 << "yesnocancel" << release << 2 << 0;
+        QTest::newRow("cancel") << true << true << 1 << 2 << "yesnocancel" << cancel << 0 << 0;
+    }
+
+    void logOff()
+    {
+        QFETCH(bool, modified);
+        QFETCH(int, handler);
+        QFETCH(int, answer);
+        QStringList args{"prog"};
+        openWindow(args);
+        int commits = 0;
+        auto *first = new FakeStatus(1, &commits);
+        auto *second = new FakeStatus(2, &commits);
+        second->data = {"part.stl", "scan.asc"};
+        if (modified)
+            second->modified.insert("scan.asc");
+        MainWindow::smgr->setStatusData(1, first);
+        MainWindow::smgr->setStatusData(2, second);
+        std::unique_ptr<SessionSaver> saver;
+        if (handler) {
+            saver = std::make_unique<SessionSaver>();
+            saver->can = handler != 2;
+            saver->succeeds = handler != 3;
+        }
+        GTools::ScriptedDialogs dialogs(answer);
+        QFETCH(bool, interaction);
+        const int result = qobject_cast<Application *>(qApp)->logOffAnswer(interaction);
+        QTEST(result, "result");
+        QTEST(commits, "commits");
+        QFETCH(QString, dialog);
+        QCOMPARE(int(dialogs.requests().size()), dialog.isEmpty() ? 0 : 1);
+        if (!dialog.isEmpty()) {
+            QCOMPARE(dialogs.requests()[0].kind, dialog);
+            QCOMPARE(dialogs.requests()[0].type, 1);
+            QCOMPARE(dialogs.requests()[0].title, QStringLiteral("exit title"));
+            QCOMPARE(dialogs.requests()[0].text,
+                     QStringLiteral("there are unsaved data sets! do you really want to exit the program?"));
+        }
+        if (saver)
+            QTEST(saver->saves, "saves");
+    }
+
+    void logOffRefusedWhileBusyOrObjected()
+    {
+        QStringList args{"prog"};
+        openWindow(args);
+        int commits = 0;
+        auto *status = new FakeStatus(1, &commits);
+        MainWindow::smgr->setStatusData(1, status);
+        GTools::ScriptedDialogs dialogs;
+        auto *app = qobject_cast<Application *>(qApp);
+        MainWindow::smgr->setMenuFunctionActive(true);
+        QCOMPARE(app->logOffAnswer(true), Application::SESSION_CANCEL);
+        MainWindow::smgr->setMenuFunctionActive(false);
+        status->canExit = false;
+        QCOMPARE(app->logOffAnswer(true), Application::SESSION_CANCEL);
+        QVERIFY(dialogs.requests().empty());
+        QCOMPARE(commits, 0);
     }
 
     void qtMessagesGoToStandardError()
