@@ -2,21 +2,35 @@
 #include "gapp_ccontainer.h"
 #include "gapp_init.h"
 #include "gapp_safemode.h"
+#include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_file.h"
-#include "zal_icon.h"
-#include "zal_cfg.h"
 #include "zal_cfg_profile.h"
 #include "zal_dialogs.h"
 #include "zal_exception.h"
+#include "zal_get_selection.h"
+#include "zal_icon.h"
 #include "zal_os.h"
+#include "zal_timing_spy.h"
 #include "zal_translate.h"
+#include <QCloseEvent>
 #include <QCoreApplication>
+#include <QDomDocument>
+#include <QFile>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QScreen>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolButton>
 
 namespace Zal {
 namespace GApp {
 
 MainWindow *MainWindow::main_win = nullptr;
+MainArea::Area *MainWindow::main_area = nullptr;
 AppStatusManager *MainWindow::smgr = nullptr;
 CfgNode *MainWindow::cfg = nullptr;
 bool MainWindow::debug_menus = false;
@@ -44,54 +58,105 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
     main_win = this;
     GTools::main_widget = this;
     resize(800, 700);
+    setCentralWidget(new QWidget(this));
     smgr = statusManager;
     cfg = config;
 
-    debug_menus = OS::getEnv("ZAL_DEBUG_MENUS");
-    debug_views = OS::getEnv("ZAL_DEBUG_VIEWS");
-    debug_signals = OS::getEnv("ZAL_DEBUG_SIGNALS");
-    debug_events = OS::getEnv("ZAL_DEBUG_EVENTS");
-    debug_commands = OS::getEnv("ZAL_DEBUG_COMMANDS");
-    debug_scripts = OS::getEnv("ZAL_DEBUG_SCRIPTS");
-    debug_undo = OS::getEnv("ZAL_DEBUG_UNDO");
-    if (debug_commands)
-        GTools::ErrorMessageContainer::show_error_text = true;
+    try {
+        debug_menus = OS::getEnv("ZAL_DEBUG_MENUS");
+        debug_views = OS::getEnv("ZAL_DEBUG_VIEWS");
+        debug_signals = OS::getEnv("ZAL_DEBUG_SIGNALS");
+        debug_events = OS::getEnv("ZAL_DEBUG_EVENTS");
+        debug_commands = OS::getEnv("ZAL_DEBUG_COMMANDS");
+        debug_scripts = OS::getEnv("ZAL_DEBUG_SCRIPTS");
+        debug_undo = OS::getEnv("ZAL_DEBUG_UNDO");
+        if (debug_commands)
+            GTools::ErrorMessageContainer::show_error_text = true;
+        if (debug_signals && smgr)
+            new GTools::TimingSpy(smgr, {QStringLiteral("selectionPreChangedSignal (uint, Zal::GApp::SelectionMode_t)"),
+                                         QStringLiteral("dataPreChangedSignal (uint, uint)"),
+                                         QStringLiteral("selectionChangedSignal (uint, Zal::GApp::SelectionMode_t)"),
+                                         QStringLiteral("dataChangedSignal (uint, uint)")});
 
-    for (int i = 1; i + 1 < args.size(); ++i) {
-        if (args.at(i) == QLatin1String("-config")) {
-            _config_file_name = args.at(i + 1);
-            args.removeAt(i + 1);
-            args.removeAt(i);
-            break;
+        for (int i = 1; i + 1 < args.size(); ++i) {
+            if (args.at(i) == QLatin1String("-config")) {
+                _config_file_name = args.at(i + 1);
+                args.removeAt(i + 1);
+                args.removeAt(i);
+                break;
+            }
         }
-    }
-    for (int i = 1; i < args.size(); ++i) {
-        if (args.at(i) == QLatin1String("-safemode")) {
-            _safe_mode = true;
-            args.removeAt(i);
-            break;
+        new GAppGetSelectionInterface;
+        readLayout();
+        for (int i = 1; i < args.size(); ++i) {
+            if (args.at(i) == QLatin1String("-safemode")) {
+                _safe_mode = true;
+                args.removeAt(i);
+                break;
+            }
         }
-    }
 
-    _config_loaded = loadConfiguration();
-    if (_safe_mode)
-        Safemode::restoreSafeCfgItems();
-    applyConfiguration(ZalString());
-    if (cfg && !Cfg::Profile::instance()) {
-        if (auto *skipped = cfg->getArray<QString>(ZalString(CFG_IGNORED_SYSTEM_TEMPLATES)))
-            ResourceContainer::setSystemLevelSkippedForResources(skipped->getValues());
+        _config_loaded = loadConfiguration();
+        if (_safe_mode)
+            Safemode::restoreSafeCfgItems();
+        applyConfiguration(ZalString());
+        if (cfg && !Cfg::Profile::instance()) {
+            if (auto *skipped = cfg->getArray<QString>(ZalString(CFG_IGNORED_SYSTEM_TEMPLATES)))
+                ResourceContainer::setSystemLevelSkippedForResources(skipped->getValues());
+        }
+        ResourceContainer::update();
+    } catch (...) {
+        // The window is not usable; leave no half-registered main window behind.
+        // The host keeps ownership of what it passed in when construction fails.
+        delete GetSelectionInterface::getInterface();
+        smgr = nullptr;
+        cfg = nullptr;
+        main_win = nullptr;
+        GTools::main_widget = nullptr;
+        throw;
     }
-    ResourceContainer::update();
 
     setCaption(QString());
     setWindowIcon(GIcon::Cache::getAppIcon(ZalInit::getApplicationName()));
+
+    _sensor_label = new QLabel(statusBar());
+    _sensor_label->setPixmap(GIcon::Cache::getSmallIcon(GIcon::ST_SENSOR));
+    _sensor_label->hide();
+    _sensor_label->setToolTip(translate("GAppMemory", "sensor label tt"));
+    _memory_label = new QLabel(statusBar());
+    _memory_label->setToolTip(translate("GAppMemory", "meminfo tt"));
+    _progress_bar = new QProgressBar(statusBar());
+    _progress_bar->setAlignment(Qt::AlignCenter);
+    _progress_bar->setRange(0, 100);
+    _progress_bar->setFixedWidth(100);
+    _cancel_button = new QToolButton(statusBar());
+    _cancel_button->setIcon(GIcon::Cache::getIconSet(GIcon::ACT_CANCEL, 0));
+    _cancel_button->setEnabled(false);
+    const int height = _progress_bar->sizeHint().height();
+    _cancel_button->setFixedHeight(height);
+    _progress_bar->setFixedHeight(height);
+    _memory_label->setFixedHeight(height);
+    statusBar()->addPermanentWidget(_sensor_label, 0);
+    statusBar()->addPermanentWidget(_memory_label, 0);
+    statusBar()->addPermanentWidget(_progress_bar, 0);
+    statusBar()->addPermanentWidget(_cancel_button, 0);
+
+    _status_timer = new QTimer(this);
+    _status_timer->setSingleShot(true);
+    connect(_status_timer, &QTimer::timeout, this, &MainWindow::updateStatusInfo);
+    updateStatusInfo();
+    centerOnScreen();
 }
 
 MainWindow::~MainWindow()
 {
+    MenuFunctionFinishedCallback::clearCBs();
     delete SaveSessionHandler::ssh;
+    delete _message_timer;
+    _message_timer = nullptr;
     if (cfg)
         saveConfiguration();
+    menuBar()->clear();
     delete smgr;
     smgr = nullptr;
     delete cfg;
@@ -100,6 +165,42 @@ MainWindow::~MainWindow()
     if (GTools::main_widget == this)
         GTools::main_widget = nullptr;
     DeleteStaticData();
+    delete GetSelectionInterface::getInterface();
+}
+
+void MainWindow::readLayout()
+{
+    QDomDocument doc(QStringLiteral("viewdocument"));
+    const QString app = ZalInit::getApplicationName();
+    const QString candidates[] = {
+        QStringLiteral("%1.xml").arg(app),
+        QStringLiteral("%1/%2.xml").arg(ZalInit::getConfigDirectory(0), app),
+        QStringLiteral("%1/layout/%2.xml").arg(ZalInit::getSoftwareDirectory(), app),
+    };
+    QFile file;
+    for (const QString &candidate : candidates) {
+        file.setFileName(candidate);
+        if (file.open(QIODevice::ReadOnly))
+            break;
+    }
+    if (!file.isOpen())
+        throw ZAL_PROG_ERROR("Zal::GApp::MainWindow::readLayout", QStringLiteral("cannot read menu layout file"));
+    QString message;
+    int line = -1;
+    int column = -1;
+    if (!doc.setContent(&file, &message, &line, &column)) {
+        file.close();
+        QString text = QStringLiteral("cannot set contents of menu layout file: ") + message;
+        if (line >= 0)
+            text += QStringLiteral(" in line %1").arg(line);
+        if (column >= 0)
+            text += QStringLiteral(" in column %1").arg(column);
+        throw ZAL_PROG_ERROR("Zal::GApp::MainWindow::readLayout", text);
+    }
+    file.close();
+    _layout_file_name = file.fileName();
+    // The toolbar, menu, view and shortcut definitions read their sections
+    // from the document, in that order.
 }
 
 void MainWindow::setCaption(const QString &caption)
@@ -113,6 +214,35 @@ void MainWindow::setCaption(const QString &caption)
 QString MainWindow::getCaption() const
 {
     return _name;
+}
+
+QString MainWindow::saveStateToString() const
+{
+    return QString::fromLatin1(saveState(0).toBase64());
+}
+
+void MainWindow::restoreStateFromString(const QString &state)
+{
+    restoreState(QByteArray::fromBase64(state.toLatin1()), 0);
+}
+
+bool MainWindow::event(QEvent *e)
+{
+    if (e->type() == QEvent::StatusTip)
+        return true;
+    return QMainWindow::event(e);
+}
+
+QLabel *MainWindow::createStatusBarEntry()
+{
+    auto *label = new QLabel(statusBar());
+    label->hide();
+    return label;
+}
+
+void MainWindow::showSensor(bool show)
+{
+    _show_sensor = show;
 }
 
 void MainWindow::updateSensitivity()
@@ -131,6 +261,7 @@ void MainWindow::emitHelpRequestedSignal(QWidget *widget)
 void MainWindow::exitProgram()
 {
     _exiting = true;
+    lockDrawing();
     if (smgr)
         smgr->callExitProgram();
     QCoreApplication::quit();
@@ -140,6 +271,16 @@ void MainWindow::setExitRequested()
 {
     _exit_requested = true;
     emit exitRequestedSignal();
+}
+
+void MainWindow::closeEvent(QCloseEvent *e)
+{
+    e->ignore();
+    if (!smgr || smgr->isMenuFunctionActive())
+        return;
+    Command *exitCmd = CommandContainer::getCommand(QStringLiteral("sys.exit_program"));
+    if (exitCmd && isMenuSensitive(exitCmd))
+        executeCommand(exitCmd);
 }
 
 bool MainWindow::isMenuSensitive(Command *cmd) const
@@ -170,6 +311,7 @@ bool MainWindow::isCommandSensitiveInSelectCommandMode(Command *cmd) const
 
 void MainWindow::emitSelectCommandSignal(Command const *cmd)
 {
+    // The parameter string is asked of the command, which may compute it.
     Command *c = const_cast<Command *>(cmd);
     emit selectCommandSignal(c->getName(), c->getParameterString());
 }
@@ -187,6 +329,47 @@ void MainWindow::postExecuteCommandEvent(Command *cmd, AppStatusManager::Command
 void MainWindow::emitMenuCommandFinishedSignal(const QString &name)
 {
     emit menuCommandFinishedSignal(name);
+    MenuFunctionFinishedCallback::callCBs();
+}
+
+void MainWindow::updateStatusInfo()
+{
+    if (!debug_events) {
+        const unsigned int process = OS::getSizeOfProcess() / 1024;
+        const int freeMemory = OS::getSizeOfFreeSystemMemory() / 1024;
+        const int freeSwap = OS::getSizeOfFreeSwap() / 1024;
+        _memory_label->setText(QStringLiteral("%4: %1/%2/%3 %5")
+                                   .arg(process)
+                                   .arg(freeMemory)
+                                   .arg(freeSwap)
+                                   .arg(translate("GAppMemory", "memory"), translate("GAppMemory", "mb")));
+        _memory_label->setMinimumWidth(qMax(_memory_label->width(), _memory_label->sizeHint().width()));
+        if (_show_sensor && _sensor_label->isHidden())
+            _sensor_label->show();
+        else if (!_show_sensor && !_sensor_label->isHidden())
+            _sensor_label->hide();
+    }
+    _status_timer->start(1000);
+}
+
+void MainWindow::screenLayoutChanged(int)
+{
+}
+
+void MainWindow::showRestartInformation()
+{
+}
+
+void MainWindow::centerOnScreen()
+{
+    QScreen *screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect available = screen->availableGeometry();
+    const QRect frame = frameGeometry();
+    const int x = available.width() > frame.width() ? (available.width() - frame.width()) / 2 : 0;
+    const int y = available.height() > frame.height() ? (available.height() - frame.height()) / 2 : 0;
+    move(x, y);
 }
 
 } // namespace GApp

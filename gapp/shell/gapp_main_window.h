@@ -7,9 +7,21 @@
 #include <QMainWindow>
 #include <QString>
 #include <QStringList>
+#include <vector>
+
+class QCloseEvent;
+class QLabel;
+class QProgressBar;
+class QTimer;
+class QToolButton;
 
 namespace Zal {
 class CfgNode;
+class ErrorLog;
+class Variant;
+namespace MainArea {
+class Area;
+}
 namespace GApp {
 
 // Posted to the main window by command actions and shortcuts so that the
@@ -28,6 +40,29 @@ private:
     AppStatusManager::CommandStartMode_t _mode;
 };
 
+// Runs once the outermost running command has finished: registered while a
+// command runs, it waits; registered while none runs, it runs at once.
+// Pending callbacks are owned by the list.
+class GAPP_EXPORT MenuFunctionFinishedCallback
+{
+public:
+    virtual ~MenuFunctionFinishedCallback();
+    virtual void menuFunctionFinished() = 0;
+
+    static void registerCB(MenuFunctionFinishedCallback *cb);
+    static void callCBs();
+    static void clearCBs();
+    static void disableCallbackRegistration(bool disable) { _callbacks_disabled = disable; }
+    static bool isCallbackRegistrationDisabled() { return _callbacks_disabled; }
+
+private:
+    static std::vector<MenuFunctionFinishedCallback *> _cbs;
+    static bool _callbacks_disabled;
+};
+
+// The library's script error code for rejected command parameters.
+GAPP_EXPORT extern const char *const PARAMETER_ERROR;
+
 // The single top-level window and the hub through which the library reaches
 // the running GUI. One per process: `main_win` is the handle everything uses.
 // It owns the status manager and the configuration node handed to it.
@@ -38,6 +73,7 @@ class GAPP_EXPORT MainWindow : public QMainWindow
 
 public:
     static MainWindow *main_win;
+    static MainArea::Area *main_area;
     static AppStatusManager *smgr;
     static CfgNode *cfg;
     static bool debug_menus;
@@ -59,12 +95,20 @@ public:
     void checkConfiguration();
     void applyConfiguration(const ZalString &changed);
     const QString &getConfigFileName() const { return _config_file_name; }
+    // The layout file that was read at start-up.
+    const QString &getLayoutFileName() const { return _layout_file_name; }
 
     // Window state and title.
     void setCaption(const QString &caption);
     QString getCaption() const;
+    QString saveStateToString() const;
+    void restoreStateFromString(const QString &state);
+    QLabel *createStatusBarEntry();
+    void showSensor(bool show);
     void updateSensitivity();
     void emitHelpRequestedSignal(QWidget *widget);
+    // The layout file's document: found, parsed and handed to the containers.
+    void readLayout();
 
     // Exit.
     void exitProgram();
@@ -88,10 +132,57 @@ public:
     void setSelectCommandMode(Command::SelectCommandMode_t mode) { _select_command_mode = mode; }
     Command::SelectCommandMode_t getSelectCommandMode() const { return _select_command_mode; }
 
+    // Macro recording.
+    void setRecording(bool recording);
+    bool isRecording() const { return _recording; }
+
     // Menu execution.
     void postExecuteCommandEvent(Command *cmd);
     void postExecuteCommandEvent(Command *cmd, AppStatusManager::CommandStartMode_t mode);
+    bool executeCommand(Command *cmd);
     void emitMenuCommandFinishedSignal(const QString &name);
+
+    // Script execution; the last flag suppresses macro recording.
+    bool execute(Command *cmd, const QString &params, Variant *result, QString *errorCode,
+                 ErrorLog *log, bool noRecord = false);
+    bool execute(Command *cmd, const QString &params, QString *result, QString *errorCode,
+                 ErrorLog *log, bool noRecord = false);
+    bool execute(Command *cmd, const QString &params, QString *result, bool noRecord = false);
+    bool execute(Command *cmd, const QString &params, bool noRecord = false);
+    bool executeInteractive(Command *cmd, const QString &params, QString *result,
+                            QString *errorCode, ErrorLog *log, bool noRecord = false);
+    bool executeInteractive(Command *cmd, const QString &params, QString *result,
+                            bool noRecord = false);
+    void addCommandToMacro(Command *cmd, const QString &params);
+
+    // Stage loops.
+    bool beginStageLoopCommand(Command *cmd, QString *errorCode, ErrorLog *log);
+    bool parseStageLoopCommand(Command *cmd, const QString &params, const QString &stage,
+                               bool execute, bool first, QString *errorCode, ErrorLog *log);
+    bool executeStageLoopCommand(Command *cmd, AppStatusManager::MacroErrorBehaviour_t behaviour,
+                                 std::vector<QString> *results, std::vector<bool> *success,
+                                 QString *errorCode, ErrorLog *log);
+    void endStageLoopCommand();
+
+    // Status line.
+    void setMessage(const QString &text, unsigned int timeout);
+    void setPreMessage(const QString &text);
+    void resetStatus();
+    void setProgress(int min, int max, unsigned int progress, const QString &text);
+    QString getStatusText() const;
+
+    // Drawing lock.
+    void lockDrawing();
+    void unlockDrawing();
+    bool isDrawingLocked() const { return _drawing_lock != 0; }
+
+    // Input is locked while widgets are locked or work runs in the background.
+    bool isGUILocked() const { return !_locked_widgets.empty() || _background_active; }
+
+protected:
+    bool event(QEvent *e) override;
+    void customEvent(QEvent *e) override;
+    void closeEvent(QCloseEvent *e) override;
 
 signals:
     void setMenuSensitiveSignal();
@@ -107,11 +198,37 @@ signals:
     void menuGroupCmdStartedSignal(Zal::GApp::Command::CmdGroup_t group);
     void menuGroupCmdFinishedSignal(Zal::GApp::Command::CmdGroup_t group);
 
+private slots:
+    void updateStatusInfo();
+    void screenLayoutChanged(int screen);
+    void showRestartInformation();
+
 private:
+    bool executeInternal(Command *cmd, bool nested);
+    void showCommandName(Command *cmd);
+    void hideCommandName();
+    QString composeStatus(const QString &text) const;
+    void exitIfRequested();
+    void centerOnScreen();
+
     QString _config_file_name;
+    QString _layout_file_name;
     QString _name;
+    QProgressBar *_progress_bar = nullptr;
+    QToolButton *_cancel_button = nullptr;
+    std::vector<QWidget *> _locked_widgets;
+    bool _background_active = false;
+    bool _recording = false;
     Command::SelectCommandMode_t _select_command_mode = Command::SelectCommandMode_t(0);
+    QString _message;
+    QString _pre_message;
+    std::vector<QString> _command_names;
+    QTimer *_message_timer = nullptr;
+    unsigned int _drawing_lock = 0;
     unsigned int _script_command_counter = 0;
+    QTimer *_status_timer = nullptr;
+    QLabel *_memory_label = nullptr;
+    QLabel *_sensor_label = nullptr;
     bool _show_sensor = false;
     bool _exit_requested = false;
     bool _exiting = false;

@@ -100,6 +100,9 @@ class TestShell : public QObject
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> _userDir;
+    std::unique_ptr<QTemporaryDir> _softwareDir;
+    std::unique_ptr<QTemporaryDir> _workDir;
+    QString _oldCwd;
 
     QString userFile(const QString &suffix) const
     {
@@ -119,6 +122,15 @@ private slots:
         qputenv("ZAL_USER_CONFIG_DIR", _userDir->path().toLocal8Bit());
         qputenv("ZAL_SHARED_CONFIG_DIR", QByteArray("/nonexistent-shared"));
         QDir(_userDir->path()).mkpath(QStringLiteral("tmp"));
+        // The layout file below the software directory, the last place searched.
+        _softwareDir = std::make_unique<QTemporaryDir>();
+        qputenv("ZAL_SOFTWARE_DIR", _softwareDir->path().toLocal8Bit());
+        QDir(_softwareDir->path()).mkpath(QStringLiteral("layout"));
+        QDir(_softwareDir->path()).mkpath(QStringLiteral("config"));
+        writeFile(layoutIn(QStringLiteral("layout")), "<layout><software/></layout>");
+        _workDir = std::make_unique<QTemporaryDir>();
+        _oldCwd = QDir::currentPath();
+        QDir::setCurrent(_workDir->path());
         ZalInit::_app = 0;
     }
 
@@ -126,7 +138,15 @@ private slots:
     {
         delete MainWindow::main_win;
         OS::setMaxVirtualMemorySize(2147483647);
+        QDir::setCurrent(_oldCwd);
         _userDir.reset();
+        _softwareDir.reset();
+        _workDir.reset();
+    }
+
+    QString layoutIn(const QString &sub) const
+    {
+        return _softwareDir->filePath(sub + QLatin1Char('/') + ZalInit::getApplicationName() + ".xml");
     }
 
     void initLibraryAddsTheItemsInOrder()
@@ -251,6 +271,45 @@ private slots:
         delete node;
         QVERIFY(MainWindow::main_win);
         QCOMPARE(MainWindow::main_win->getCaption(), QStringLiteral("shell test"));
+    }
+
+    void layoutSearchOrder()
+    {
+        QStringList args{"prog"};
+        QCOMPARE(QFileInfo(openWindow(args)->getLayoutFileName()).absoluteFilePath(),
+                 QFileInfo(layoutIn("layout")).absoluteFilePath());
+        delete MainWindow::main_win;
+        writeFile(layoutIn("config"), "<layout/>");
+        QCOMPARE(QFileInfo(openWindow(args)->getLayoutFileName()).absoluteFilePath(),
+                 QFileInfo(layoutIn("config")).absoluteFilePath());
+        delete MainWindow::main_win;
+        writeFile(ZalInit::getApplicationName() + ".xml", "<layout/>");
+        QCOMPARE(openWindow(args)->getLayoutFileName(), ZalInit::getApplicationName() + ".xml");
+    }
+
+    void layoutErrors()
+    {
+        QVERIFY(QFile::remove(layoutIn("layout")));
+        QStringList args{"prog"};
+        try {
+            openWindow(args);
+            QFAIL("no exception");
+        } catch (const ProgError &e) {
+            QCOMPARE(e.getMessage(), QStringLiteral("cannot read menu layout file"));
+            QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::MainWindow::readLayout"));
+        }
+        QVERIFY(!MainWindow::main_win);
+
+        writeFile(layoutIn("layout"), "<layout>\n<menusection>\n  <menu </menusection>\n</layout>\n");
+        try {
+            openWindow(args);
+            QFAIL("no exception");
+        } catch (const ProgError &e) {
+            const QRegularExpression form(QStringLiteral(
+                "^cannot set contents of menu layout file: .+ in line 3 in column \\d+$"));
+            QVERIFY2(form.match(e.getMessage()).hasMatch(), qPrintable(e.getMessage()));
+        }
+        QVERIFY(!MainWindow::main_win);
     }
 
     void freshStartKeepsDefaults()
