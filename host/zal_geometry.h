@@ -5,7 +5,8 @@ namespace Zal {
 
 // A point in space. `id` numbers the point within the set it was taken from;
 // -1 means it belongs to none.
-template <typename T> struct BaPoint3d
+template <typename T>
+struct BaPoint3d
 {
     T x = 0;
     T y = 0;
@@ -23,7 +24,8 @@ template <typename T> struct BaPoint3d
 };
 
 // A direction in space, such as a surface normal.
-template <typename T> struct BaVec3d
+template <typename T>
+struct BaVec3d
 {
     T x = 0;
     T y = 0;

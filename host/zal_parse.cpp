@@ -4,7 +4,9 @@
 
 namespace Zal {
 
-ParseError::ParseError(const QString &text) : Exception(text) {}
+ParseError::ParseError(const QString &text) : Exception(text)
+{
+}
 ParseError::~ParseError() = default;
 
 namespace {
@@ -12,8 +14,8 @@ namespace {
 // One "key=value" entry of a parameter string, as positions into it.
 struct Entry
 {
-    qsizetype begin = 0;      // first character of the key
-    qsizetype end = 0;        // one past the value
+    qsizetype begin = 0;       // first character of the key
+    qsizetype end = 0;         // one past the value
     qsizetype valueBegin = -1; // -1: the entry has no '='
     QString key;
 };
@@ -136,7 +138,8 @@ QString takeValue(QString &params, const QString &key, Entry *entry)
     throw ParseError(QStringLiteral("invalid %1 for parameter '%2': %3").arg(what, key, value));
 }
 
-template <class T> void checkRange(const QString &key, const QString &value, T v, T min, T max)
+template <class T>
+void checkRange(const QString &key, const QString &value, T v, T min, T max)
 {
     if (!(v >= min && v <= max))
         throw ParseError(QStringLiteral("parameter '%1' out of range [%2, %3]: %4")
@@ -195,8 +198,7 @@ int Parse::getInt(QString &params, const QString &key, int min, int max)
     return v;
 }
 
-unsigned int Parse::getUInt(QString &params, const QString &key, unsigned int min,
-                            unsigned int max)
+unsigned int Parse::getUInt(QString &params, const QString &key, unsigned int min, unsigned int max)
 {
     Entry e;
     const QString value = takeValue(params, key, &e);
@@ -216,7 +218,8 @@ bool Parse::getBool(QString &params, const QString &key)
     Entry e;
     const QString value = takeValue(params, key, &e);
     bool v = false;
-    if (value.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0 || value == QLatin1String("1"))
+    if (value.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0
+        || value == QLatin1String("1"))
         v = true;
     else if (value.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0
              && value != QLatin1String("0"))

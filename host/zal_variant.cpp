@@ -38,9 +38,12 @@ Variant::Variant(const BaPoint3d<double> &value)
 {
 }
 
-Variant::Variant(const QString &value) : _type(TYPE_STRING), _text(value) {}
+Variant::Variant(const QString &value) : _type(TYPE_STRING), _text(value)
+{
+}
 
-Variant::Variant(const char *value) : _type(TYPE_STRING), _text(QString::fromUtf8(value ? value : ""))
+Variant::Variant(const char *value)
+    : _type(TYPE_STRING), _text(QString::fromUtf8(value ? value : ""))
 {
 }
 
@@ -48,7 +51,9 @@ Variant::Variant(const BaVec3d<double> &value) : _type(TYPE_VECTOR), _xyz{value.
 {
 }
 
-Variant::Variant(const std::vector<Variant> &list) : _type(TYPE_LIST), _list(list) {}
+Variant::Variant(const std::vector<Variant> &list) : _type(TYPE_LIST), _list(list)
+{
+}
 
 Variant Variant::fromName(const QString &name)
 {
@@ -99,28 +104,23 @@ BaVec3d<double> Variant::getVector() const
 QString Variant::toString() const
 {
     switch (_type) {
-    case TYPE_BOOL:
-        return _num.b ? QStringLiteral("true") : QStringLiteral("false");
-    case TYPE_INT:
-        return QString::number(_num.i);
-    case TYPE_UINT:
-        return QString::number(_num.u);
-    case TYPE_DOUBLE:
-        return number(_num.d);
+    case TYPE_BOOL: return _num.b ? QStringLiteral("true") : QStringLiteral("false");
+    case TYPE_INT: return QString::number(_num.i);
+    case TYPE_UINT: return QString::number(_num.u);
+    case TYPE_DOUBLE: return number(_num.d);
     case TYPE_POINT:
     case TYPE_VECTOR:
-        return QStringLiteral("[%1, %2, %3]").arg(number(_xyz[0]), number(_xyz[1]), number(_xyz[2]));
+        return QStringLiteral("[%1, %2, %3]")
+            .arg(number(_xyz[0]), number(_xyz[1]), number(_xyz[2]));
     case TYPE_STRING:
-    case TYPE_NAME:
-        return _text;
+    case TYPE_NAME: return _text;
     case TYPE_LIST: {
         QStringList parts;
         for (const Variant &v : _list)
             parts.append(v.toString());
         return QLatin1Char('[') + parts.join(QLatin1String(", ")) + QLatin1Char(']');
     }
-    case TYPE_NONE:
-        break;
+    case TYPE_NONE: break;
     }
     return QString();
 }
@@ -130,25 +130,16 @@ bool Variant::operator==(const Variant &o) const
     if (_type != o._type)
         return false;
     switch (_type) {
-    case TYPE_BOOL:
-        return _num.b == o._num.b;
-    case TYPE_INT:
-        return _num.i == o._num.i;
-    case TYPE_UINT:
-        return _num.u == o._num.u;
-    case TYPE_DOUBLE:
-        return _num.d == o._num.d;
-    case TYPE_POINT:
-        return getPoint() == o.getPoint();
-    case TYPE_VECTOR:
-        return getVector() == o.getVector();
+    case TYPE_BOOL: return _num.b == o._num.b;
+    case TYPE_INT: return _num.i == o._num.i;
+    case TYPE_UINT: return _num.u == o._num.u;
+    case TYPE_DOUBLE: return _num.d == o._num.d;
+    case TYPE_POINT: return getPoint() == o.getPoint();
+    case TYPE_VECTOR: return getVector() == o.getVector();
     case TYPE_STRING:
-    case TYPE_NAME:
-        return _text == o._text;
-    case TYPE_LIST:
-        return _list == o._list;
-    case TYPE_NONE:
-        break;
+    case TYPE_NAME: return _text == o._text;
+    case TYPE_LIST: return _list == o._list;
+    case TYPE_NONE: break;
     }
     return true;
 }

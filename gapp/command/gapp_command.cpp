@@ -68,13 +68,14 @@ Item *cfgItem(const char *function, const CfgNode *node,
     Item *item = (node->*get)(ZalString(entry));
     if (!item)
         throw ZAL_PROG_ERROR(function, QStringLiteral("configuration entry not found: %1")
-                                               .arg(QString::fromLatin1(entry ? entry : "")));
+                                           .arg(QString::fromLatin1(entry ? entry : "")));
     return item;
 }
 
 } // namespace
 
-ChangeLogEntry::ChangeLogEntry(UpdateType_t t, const char *txt, const char *first, const char *second)
+ChangeLogEntry::ChangeLogEntry(UpdateType_t t, const char *txt, const char *first,
+                               const char *second)
     : type(t), text(txt), list1{ZalString(first)}, list2{ZalString(second)}
 {
 }
@@ -102,7 +103,8 @@ void CommandUpdateInformation::addRemovedParameter(const char *text, const char 
     _change_log.emplace_back(ChangeLogEntry::REMOVED_PARAMETER, text, parameter, "");
 }
 
-void CommandUpdateInformation::addParameterChange(const char *text, const char *from, const char *to)
+void CommandUpdateInformation::addParameterChange(const char *text, const char *from,
+                                                  const char *to)
 {
     _change_log.emplace_back(ChangeLogEntry::PARAMETER_CHANGE, text, from, to);
 }
@@ -388,27 +390,33 @@ unsigned int Command::getCfgUInt(const CfgNode *node, QString &params, const QSt
 
 QString Command::createCfgDouble(const CfgNode *node, const QString &key, const char *entry)
 {
-    return createDouble(key, cfgItem("Zal::GApp::Command::createCfgDouble", node, &CfgNode::getDbl, entry)->getValue());
+    const auto *item =
+        cfgItem("Zal::GApp::Command::createCfgDouble", node, &CfgNode::getDbl, entry);
+    return createDouble(key, item->getValue());
 }
 
 QString Command::createCfgUnit(const CfgNode *node, const QString &key, const char *entry)
 {
-    return createDouble(key, cfgItem("Zal::GApp::Command::createCfgUnit", node, &CfgNode::getUnit, entry)->getValue());
+    const auto *item = cfgItem("Zal::GApp::Command::createCfgUnit", node, &CfgNode::getUnit, entry);
+    return createDouble(key, item->getValue());
 }
 
 QString Command::createCfgInt(const CfgNode *node, const QString &key, const char *entry)
 {
-    return createInt(key, cfgItem("Zal::GApp::Command::createCfgInt", node, &CfgNode::getInt, entry)->getValue());
+    const auto *item = cfgItem("Zal::GApp::Command::createCfgInt", node, &CfgNode::getInt, entry);
+    return createInt(key, item->getValue());
 }
 
 QString Command::createCfgUInt(const CfgNode *node, const QString &key, const char *entry)
 {
-    return createUInt(key, cfgItem("Zal::GApp::Command::createCfgUInt", node, &CfgNode::getUInt, entry)->getValue());
+    const auto *item = cfgItem("Zal::GApp::Command::createCfgUInt", node, &CfgNode::getUInt, entry);
+    return createUInt(key, item->getValue());
 }
 
 QString Command::createCfgBool(const CfgNode *node, const QString &key, const char *entry)
 {
-    return createBool(key, cfgItem("Zal::GApp::Command::createCfgBool", node, &CfgNode::getBool, entry)->getValue());
+    const auto *item = cfgItem("Zal::GApp::Command::createCfgBool", node, &CfgNode::getBool, entry);
+    return createBool(key, item->getValue());
 }
 
 } // namespace GApp

@@ -131,8 +131,7 @@ public:
                                     std::vector<QString> *results, std::vector<bool> *success,
                                     QString *errorCode, ErrorLog *log);
     virtual bool isCommandSubstitutionAllowed() const;
-    virtual bool substituteParameterString(const QString &from, const QString &to,
-                                           QString *params);
+    virtual bool substituteParameterString(const QString &from, const QString &to, QString *params);
     virtual bool isUndoRedoPossible() const;
     virtual bool isSensitiveInSelectCommandMode(SelectCommandMode_t mode) const;
     // Owned by the caller; null when the interface never changed.

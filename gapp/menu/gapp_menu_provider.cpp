@@ -3,7 +3,9 @@
 namespace Zal {
 namespace GApp {
 
-SpecialMenuProvider::SpecialMenuProvider(QObject *parent) : QObject(parent) {}
+SpecialMenuProvider::SpecialMenuProvider(QObject *parent) : QObject(parent)
+{
+}
 
 SpecialMenuProvider::~SpecialMenuProvider() = default;
 

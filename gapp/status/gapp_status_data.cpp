@@ -27,9 +27,13 @@ QString StatusData::getLocalModeName()
     return QString();
 }
 
-void StatusData::beforeModeChange(unsigned int) {}
+void StatusData::beforeModeChange(unsigned int)
+{
+}
 
-void StatusData::afterModeChange(unsigned int) {}
+void StatusData::afterModeChange(unsigned int)
+{
+}
 
 bool StatusData::cleanupInconsistentState()
 {
@@ -183,11 +187,17 @@ bool StatusData::checkMagicHeader(const std::vector<char> &firstBytes, const QSt
     return true;
 }
 
-ItemIndex::ItemIndex(unsigned int index) : _type(BY_INDEX), _index(index) {}
+ItemIndex::ItemIndex(unsigned int index) : _type(BY_INDEX), _index(index)
+{
+}
 
-ItemIndex::ItemIndex(const QString &name) : _type(BY_NAME), _name(name) {}
+ItemIndex::ItemIndex(const QString &name) : _type(BY_NAME), _name(name)
+{
+}
 
-ItemIndex::ItemIndex(const std::vector<int> &tuple) : _type(BY_TUPLE), _tuple(tuple) {}
+ItemIndex::ItemIndex(const std::vector<int> &tuple) : _type(BY_TUPLE), _tuple(tuple)
+{
+}
 
 ObjectPointAdditionalData::~ObjectPointAdditionalData() = default;
 

@@ -20,9 +20,9 @@ enum SelectionMode_t {
 
 // How save-as treats the saved data's name.
 enum RenameType_t {
-    RENAME_NONE = 0,   // the data keeps its name
-    RENAME_DATA = 1,   // the data takes the file's name
-    RENAME_COPY = 2    // the file is a copy; the data stays as it was
+    RENAME_NONE = 0, // the data keeps its name
+    RENAME_DATA = 1, // the data takes the file's name
+    RENAME_COPY = 2  // the file is a copy; the data stays as it was
 };
 
 // One application type's answers about its data. The host derives one class
@@ -37,8 +37,16 @@ public:
         STAGE_ACTIVE = 1,
         STAGE_UNKNOWN = 2 // this type has no answer for the stage
     };
-    enum StageLoopStage_t { STAGE_LOOP_ALL = 0, STAGE_LOOP_ACTIVE = 1, STAGE_LOOP_SELECTED = 2 };
-    enum ExplorerPosition_t { EXPLORER_BEFORE = 0, EXPLORER_AT = 1, EXPLORER_AFTER = 2 };
+    enum StageLoopStage_t {
+        STAGE_LOOP_ALL = 0,
+        STAGE_LOOP_ACTIVE = 1,
+        STAGE_LOOP_SELECTED = 2
+    };
+    enum ExplorerPosition_t {
+        EXPLORER_BEFORE = 0,
+        EXPLORER_AT = 1,
+        EXPLORER_AFTER = 2
+    };
 
     static constexpr int EXPLORER_INDEX_UNUSED = 2147483647;
     static constexpr int STAGE_UNUSED = -1;
@@ -117,7 +125,11 @@ private:
 class GAPP_EXPORT ItemIndex
 {
 public:
-    enum Type_t { BY_INDEX = 0, BY_NAME = 1, BY_TUPLE = 2 };
+    enum Type_t {
+        BY_INDEX = 0,
+        BY_NAME = 1,
+        BY_TUPLE = 2
+    };
 
     explicit ItemIndex(unsigned int index);
     explicit ItemIndex(const QString &name);
@@ -147,7 +159,11 @@ public:
 // delivered, and copies share it.
 struct GAPP_EXPORT ObjectPointDescriptor
 {
-    enum Type_t { NO_ADDITIONAL_DATA = 0, ADDITIONAL_MESH_DATA = 1, ADDITIONAL_CAD_DATA = 2 };
+    enum Type_t {
+        NO_ADDITIONAL_DATA = 0,
+        ADDITIONAL_MESH_DATA = 1,
+        ADDITIONAL_CAD_DATA = 2
+    };
 
     ObjectPointDescriptor() = default;
     ObjectPointDescriptor(const BaPoint3d<double> &point, const QString &name,

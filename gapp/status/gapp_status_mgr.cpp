@@ -15,14 +15,20 @@ namespace {
 
 // Where the shortcut maps join a mode change: the map "default" becomes the
 // active one.
-void activateDefaultShortcuts() {}
+void activateDefaultShortcuts()
+{
+}
 
 // Where the view definitions join a mode change: the mode's standard view is
 // shown.
-void showStandardView(const QString &) {}
+void showStandardView(const QString &)
+{
+}
 
 // Where the menu definitions join a mode change: the mode's main menu is built.
-void createMainMenu(const QString &) {}
+void createMainMenu(const QString &)
+{
+}
 
 } // namespace
 
@@ -224,7 +230,8 @@ void AppStatusManager::emitVisualizationChanged(unsigned int app, unsigned int s
         Debug::printTrace(QStringLiteral("Signal: visualizationChangedSignal ok"));
 }
 
-void AppStatusManager::emitObjectPointNormalSelected(const std::vector<ObjectPointDescriptor> &points)
+void AppStatusManager::emitObjectPointNormalSelected(
+    const std::vector<ObjectPointDescriptor> &points)
 {
     emit objectPointNormalSelectedSignal(points);
 }
@@ -274,7 +281,8 @@ void AppStatusManager::emitDialogSetEnabled(bool enable)
     emit dialogSetEnabled(enable);
 }
 
-void AppStatusManager::registerSpecialMenuProvider(const QString &name, SpecialMenuProvider *provider)
+void AppStatusManager::registerSpecialMenuProvider(const QString &name,
+                                                   SpecialMenuProvider *provider)
 {
     const auto it = _special_menu_providers.find(name);
     if (it != _special_menu_providers.end() && it->second)
@@ -282,7 +290,8 @@ void AppStatusManager::registerSpecialMenuProvider(const QString &name, SpecialM
                              QStringLiteral("cannot register second provider for special menu."));
     _special_menu_providers[name] = provider;
     if (provider)
-        connect(provider, &QObject::destroyed, this, &AppStatusManager::specialMenuProviderDestroyed);
+        connect(provider, &QObject::destroyed, this,
+                &AppStatusManager::specialMenuProviderDestroyed);
 }
 
 SpecialMenuProvider *AppStatusManager::getSpecialMenuProvider(const QString &name) const

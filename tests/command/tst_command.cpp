@@ -8,17 +8,14 @@
 #include "zal_icon.h"
 #include "zal_parse.h"
 #include "zal_variant.h"
+#include "test_util.h"
 #include <QApplication>
-#include <QFile>
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QToolBar>
 #include <QToolButton>
 #include <QtTest>
-#include <cstdio>
 #include <memory>
-#include <unistd.h>
 
 using namespace Zal;
 using namespace Zal::GApp;
@@ -26,25 +23,6 @@ using namespace Zal::GApp;
 Q_DECLARE_METATYPE(Zal::Variant)
 
 namespace {
-
-// Runs `fn` with standard output redirected to a file and returns what it printed.
-template <class F> QByteArray captureStdout(F fn)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("out.txt"));
-    std::fflush(stdout);
-    const int saved = dup(fileno(stdout));
-    FILE *f = std::fopen(QFile::encodeName(path).constData(), "w");
-    dup2(fileno(f), fileno(stdout));
-    fn();
-    std::fflush(stdout);
-    dup2(saved, fileno(stdout));
-    ::close(saved);
-    std::fclose(f);
-    QFile in(path);
-    in.open(QIODevice::ReadOnly);
-    return in.readAll();
-}
 
 // A host command whose answers the tests set directly.
 class TestCommand : public Command
@@ -61,7 +39,10 @@ public:
     bool isMenuSensitive() const override { return sensitive; }
     bool isScriptSensitive() const override { return true; }
     QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override { return true; }
+    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override
+    {
+        return true;
+    }
     bool isVisible() const override { return visible; }
     Interactive_t isInteractive() override { return INTERACTIVE_NO; }
     bool executeMenu() override { return true; }
@@ -80,8 +61,8 @@ public:
 class ScriptCommand : public TestCommand
 {
 public:
-    using TestCommand::TestCommand;
     using Command::executeScript;
+    using TestCommand::TestCommand;
     bool executeScript(QString *result, QString *errorCode, ErrorLog *) override
     {
         *result = text;
@@ -138,7 +119,8 @@ private slots:
     void destroyedCommandLeavesWithItsAction()
     {
         auto *cmd = new TestCommand(QStringLiteral("sys.undo"));
-        QPointer<CommandAction> action = CommandContainer::getCommandAction(QStringLiteral("sys.undo"));
+        QPointer<CommandAction> action =
+            CommandContainer::getCommandAction(QStringLiteral("sys.undo"));
         QVERIFY(action);
         delete cmd;
         QVERIFY(!CommandContainer::getCommand(QStringLiteral("sys.undo")));
@@ -155,7 +137,8 @@ private slots:
             QFAIL("a second command of the same name was accepted");
         } catch (const ProgError &e) {
             QCOMPARE(e.getMessage(), QStringLiteral("Command does already exist: sys.redo"));
-            QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::CommandContainer::registerCommand"));
+            QCOMPARE(e.getFunction(),
+                     QStringLiteral("Zal::GApp::CommandContainer::registerCommand"));
             QCOMPARE(e.getFile(), QStringLiteral("gapp_ccontainer"));
         }
         QCOMPARE(CommandContainer::getCommand(QStringLiteral("sys.redo")), first);
@@ -173,7 +156,8 @@ private slots:
             QFAIL("unregistering twice did not throw");
         } catch (const ProgError &e) {
             QCOMPARE(e.getMessage(), QStringLiteral("command 'file.open' not registered"));
-            QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::CommandContainer::unregisterCommand"));
+            QCOMPARE(e.getFunction(),
+                     QStringLiteral("Zal::GApp::CommandContainer::unregisterCommand"));
             QCOMPARE(e.getFile(), QStringLiteral("gapp_ccontainer"));
         }
         // The destructor only reports that its command is gone already.
@@ -210,7 +194,8 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("output");
-        const QByteArray prefix("Zal::GApp::CommandContainer::registerCommand(57): draft command name: '");
+        const QByteArray prefix(
+            "Zal::GApp::CommandContainer::registerCommand(57): draft command name: '");
         QTest::newRow("suffix") << "meas.distance_draft" << prefix + "meas.distance_draft'\n";
         QTest::newRow("inside") << "meas._draftx" << prefix + "meas._draftx'\n";
         QTest::newRow("other case") << "meas.distance_Draft" << QByteArray();
@@ -221,7 +206,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QByteArray, output);
         TestCommand *cmd = nullptr;
-        QCOMPARE(captureStdout([&] { cmd = new TestCommand(name); }), output);
+        QCOMPARE(TestUtil::captureStdout([&] { cmd = new TestCommand(name); }), output);
         QCOMPARE(CommandContainer::getCommand(name), cmd);
     }
 
@@ -230,7 +215,8 @@ private slots:
     void newActionShowsMenuNameAndToggle()
     {
         new TestCommand(QStringLiteral("view.grid"), false, true, nullptr, QStringLiteral("Grid"));
-        new TestCommand(QStringLiteral("file.open"), false, false, "act_open", QStringLiteral("Open"));
+        new TestCommand(QStringLiteral("file.open"), false, false, "act_open",
+                        QStringLiteral("Open"));
         CommandAction *grid = CommandContainer::getCommandAction(QStringLiteral("view.grid"));
         CommandAction *open = CommandContainer::getCommandAction(QStringLiteral("file.open"));
         QCOMPARE(grid->text(), QStringLiteral("Grid"));
@@ -425,13 +411,20 @@ private slots:
         QTest::addColumn<bool>("needed");
         QTest::addColumn<bool>("synchronized");
         QTest::addColumn<int>("group");
-        QTest::newRow("no menu function") << false << true << QList<int>{3, 5} << QList<int>{5} << false << false << -1;
-        QTest::newRow("nothing active") << true << false << QList<int>{} << QList<int>{5} << true << false << -1;
-        QTest::newRow("nothing declared") << true << true << QList<int>{} << QList<int>{5} << true << false << -1;
-        QTest::newRow("no own groups") << true << true << QList<int>{3, 5} << QList<int>{} << true << false << -1;
-        QTest::newRow("common group") << true << true << QList<int>{3, 5} << QList<int>{5} << false << true << 5;
-        QTest::newRow("first declared wins") << true << true << QList<int>{3, 5} << QList<int>{5, 3} << false << true << 3;
-        QTest::newRow("no common group") << true << true << QList<int>{3, 5} << QList<int>{4} << true << false << -1;
+        QTest::newRow("no menu function")
+            << false << true << QList<int>{3, 5} << QList<int>{5} << false << false << -1;
+        QTest::newRow("nothing active")
+            << true << false << QList<int>{} << QList<int>{5} << true << false << -1;
+        QTest::newRow("nothing declared")
+            << true << true << QList<int>{} << QList<int>{5} << true << false << -1;
+        QTest::newRow("no own groups")
+            << true << true << QList<int>{3, 5} << QList<int>{} << true << false << -1;
+        QTest::newRow("common group")
+            << true << true << QList<int>{3, 5} << QList<int>{5} << false << true << 5;
+        QTest::newRow("first declared wins")
+            << true << true << QList<int>{3, 5} << QList<int>{5, 3} << false << true << 3;
+        QTest::newRow("no common group")
+            << true << true << QList<int>{3, 5} << QList<int>{4} << true << false << -1;
     }
     void menuSemaphore()
     {
@@ -466,7 +459,8 @@ private slots:
         QTest::addColumn<bool>("isList");
         QTest::addColumn<QStringList>("elements");
         QTest::newRow("list") << "[a, b, c]" << true << QStringList{"a", "b", "c"};
-        QTest::newRow("nested") << "[1, [2, 3], \"x, y\"]" << true << QStringList{"1", "[2, 3]", "\"x, y\""};
+        QTest::newRow("nested") << "[1, [2, 3], \"x, y\"]" << true
+                                << QStringList{"1", "[2, 3]", "\"x, y\""};
         QTest::newRow("empty list") << "[]" << true << QStringList{};
         QTest::newRow("one element") << "[7]" << true << QStringList{"7"};
         QTest::newRow("single bracket") << "[" << false << QStringList{};
@@ -523,7 +517,8 @@ private slots:
             cmd.executeScriptInteractive(&result, &code, nullptr);
             QFAIL("the default string form did not throw");
         } catch (const ProgError &e) {
-            QCOMPARE(e.getMessage(), QStringLiteral("executeScript () must be overloaded if called directly"));
+            QCOMPARE(e.getMessage(),
+                     QStringLiteral("executeScript () must be overloaded if called directly"));
             QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::Command::executeScript"));
             QCOMPARE(e.getFile(), QStringLiteral("gapp_command"));
         }
@@ -583,7 +578,8 @@ private slots:
     {
         CfgNode node("gapp", QStringLiteral("library"));
         node.addDbl("dist", QStringLiteral("distance"), 0.0, 10.0, 2.5, 0.1, 2);
-        node.addUnit("len", QStringLiteral("length"), QStringLiteral("mm"), -1.0, 1.0, 0.25, 0.1, 2);
+        node.addUnit("len", QStringLiteral("length"), QStringLiteral("mm"), -1.0, 1.0, 0.25, 0.1,
+                     2);
         node.addInt("count", QStringLiteral("count"), -3, 3, -2, 1);
         node.addUInt("points", QStringLiteral("points"), 1, 9, 4, 1);
         node.addBool("fast", QStringLiteral("fast"), true);
@@ -603,13 +599,17 @@ private slots:
         QCOMPARE(Command::createCfgBool(QStringLiteral("f"), "fast"), QStringLiteral("f=true"));
 
         params = QStringLiteral("d=10.5");
-        QVERIFY_THROWS_EXCEPTION(ParseError, Command::getCfgDouble(params, QStringLiteral("d"), "dist"));
+        QVERIFY_THROWS_EXCEPTION(ParseError,
+                                 Command::getCfgDouble(params, QStringLiteral("d"), "dist"));
         QCOMPARE(params, QStringLiteral("d=10.5"));
-        QVERIFY_THROWS_EXCEPTION(ProgError, Command::getCfgDouble(params, QStringLiteral("d"), "missing"));
-        QVERIFY_THROWS_EXCEPTION(ProgError, Command::getCfgInt(params, QStringLiteral("d"), "dist"));
+        QVERIFY_THROWS_EXCEPTION(ProgError,
+                                 Command::getCfgDouble(params, QStringLiteral("d"), "missing"));
+        QVERIFY_THROWS_EXCEPTION(ProgError,
+                                 Command::getCfgInt(params, QStringLiteral("d"), "dist"));
         MainWindow::cfg = nullptr;
         QVERIFY_THROWS_EXCEPTION(ProgError, Command::createCfgBool(QStringLiteral("f"), "fast"));
-        QCOMPARE(Command::createCfgBool(&node, QStringLiteral("f"), "fast"), QStringLiteral("f=true"));
+        QCOMPARE(Command::createCfgBool(&node, QStringLiteral("f"), "fast"),
+                 QStringLiteral("f=true"));
     }
 
     // --- parameter strings ------------------------------------------------------
@@ -619,14 +619,30 @@ private slots:
         QTest::addColumn<QString>("params");
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("rest");
-        QTest::newRow("first") << "a=1 b=2" << "1" << "b=2";
-        QTest::newRow("last") << "b=2 a=1" << "1" << "b=2";
-        QTest::newRow("middle") << "b=2  a=1   c=3" << "1" << "b=2  c=3";
-        QTest::newRow("quoted") << "a=\"x y=1\" b=2" << "x y=1" << "b=2";
-        QTest::newRow("escaped") << "a=\"q\\\"r\\\\\"" << "q\"r\\" << "";
-        QTest::newRow("vector") << "a=[1, \"]\", [2]] b=2" << "[1, \"]\", [2]]" << "b=2";
-        QTest::newRow("inside quotes is no key") << "b=\"a=5\" a=1" << "1" << "b=\"a=5\"";
-        QTest::newRow("keyless vector") << "[a=5] a=1" << "1" << "[a=5]";
+        QTest::newRow("first") << "a=1 b=2"
+                               << "1"
+                               << "b=2";
+        QTest::newRow("last") << "b=2 a=1"
+                              << "1"
+                              << "b=2";
+        QTest::newRow("middle") << "b=2  a=1   c=3"
+                                << "1"
+                                << "b=2  c=3";
+        QTest::newRow("quoted") << "a=\"x y=1\" b=2"
+                                << "x y=1"
+                                << "b=2";
+        QTest::newRow("escaped") << "a=\"q\\\"r\\\\\""
+                                 << "q\"r\\"
+                                 << "";
+        QTest::newRow("vector") << "a=[1, \"]\", [2]] b=2"
+                                << "[1, \"]\", [2]]"
+                                << "b=2";
+        QTest::newRow("inside quotes is no key") << "b=\"a=5\" a=1"
+                                                 << "1"
+                                                 << "b=\"a=5\"";
+        QTest::newRow("keyless vector") << "[a=5] a=1"
+                                        << "1"
+                                        << "[a=5]";
     }
     void readersConsumeTheirEntry()
     {
@@ -642,17 +658,39 @@ private slots:
         QTest::addColumn<QString>("params");
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("message");
-        QTest::newRow("missing") << "b=1" << "double" << "missing parameter 'a'";
-        QTest::newRow("no value") << "a b=1" << "int" << "missing value for parameter 'a'";
-        QTest::newRow("empty value") << "a= b=1" << "int" << "missing value for parameter 'a'";
-        QTest::newRow("not a number") << "a=x" << "double" << "invalid number for parameter 'a': x";
-        QTest::newRow("not finite") << "a=inf" << "double" << "invalid number for parameter 'a': inf";
-        QTest::newRow("above") << "a=11" << "double" << "parameter 'a' out of range [0, 10]: 11";
-        QTest::newRow("int fraction") << "a=1.5" << "int" << "invalid integer for parameter 'a': 1.5";
-        QTest::newRow("int below") << "a=-1" << "int" << "parameter 'a' out of range [0, 10]: -1";
-        QTest::newRow("uint sign") << "a=-1" << "uint" << "invalid unsigned integer for parameter 'a': -1";
-        QTest::newRow("uint overflow") << "a=4294967296" << "uint" << "invalid unsigned integer for parameter 'a': 4294967296";
-        QTest::newRow("bool") << "a=yes" << "bool" << "invalid boolean for parameter 'a': yes";
+        QTest::newRow("missing") << "b=1"
+                                 << "double"
+                                 << "missing parameter 'a'";
+        QTest::newRow("no value") << "a b=1"
+                                  << "int"
+                                  << "missing value for parameter 'a'";
+        QTest::newRow("empty value") << "a= b=1"
+                                     << "int"
+                                     << "missing value for parameter 'a'";
+        QTest::newRow("not a number") << "a=x"
+                                      << "double"
+                                      << "invalid number for parameter 'a': x";
+        QTest::newRow("not finite") << "a=inf"
+                                    << "double"
+                                    << "invalid number for parameter 'a': inf";
+        QTest::newRow("above") << "a=11"
+                               << "double"
+                               << "parameter 'a' out of range [0, 10]: 11";
+        QTest::newRow("int fraction") << "a=1.5"
+                                      << "int"
+                                      << "invalid integer for parameter 'a': 1.5";
+        QTest::newRow("int below") << "a=-1"
+                                   << "int"
+                                   << "parameter 'a' out of range [0, 10]: -1";
+        QTest::newRow("uint sign") << "a=-1"
+                                   << "uint"
+                                   << "invalid unsigned integer for parameter 'a': -1";
+        QTest::newRow("uint overflow") << "a=4294967296"
+                                       << "uint"
+                                       << "invalid unsigned integer for parameter 'a': 4294967296";
+        QTest::newRow("bool") << "a=yes"
+                              << "bool"
+                              << "invalid boolean for parameter 'a': yes";
     }
     void invalidValuesThrowAndKeepTheString()
     {
@@ -748,7 +786,8 @@ private slots:
         QTest::newRow("string") << Variant(QStringLiteral("a b")) << 5 << "a b";
         QTest::newRow("vector") << Variant(BaVec3d<double>(0, 0, 1)) << 6 << "[0, 0, 1]";
         QTest::newRow("name") << Variant::fromName(QStringLiteral("plane 1")) << 7 << "plane 1";
-        QTest::newRow("list") << Variant(std::vector<Variant>{Variant(1), Variant("x")}) << 8 << "[1, x]";
+        QTest::newRow("list") << Variant(std::vector<Variant>{Variant(1), Variant("x")}) << 8
+                              << "[1, x]";
         QTest::newRow("none") << Variant::NONE << 9 << "";
     }
     void variantTextForms()
