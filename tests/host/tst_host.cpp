@@ -10,31 +10,14 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+#include "test_util.h"
 #include <cstdio>
 #include <unistd.h>
 
 using namespace Zal;
+using TestUtil::captureStdout;
+using TestUtil::writeFile;
 
-namespace {
-// Runs `fn` with standard output redirected to a file and returns what it printed.
-template <class F> QByteArray captureStdout(F fn)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("out.txt"));
-    std::fflush(stdout);
-    const int saved = dup(fileno(stdout));
-    FILE *f = std::fopen(QFile::encodeName(path).constData(), "w");
-    dup2(fileno(f), fileno(stdout));
-    fn();
-    std::fflush(stdout);
-    dup2(saved, fileno(stdout));
-    ::close(saved);
-    std::fclose(f);
-    QFile in(path);
-    in.open(QIODevice::ReadOnly);
-    return in.readAll();
-}
-} // namespace
 
 class TestHost : public QObject
 {

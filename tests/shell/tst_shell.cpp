@@ -1,4 +1,5 @@
 #include "gapp_application.h"
+#include "tst_execute.h"
 #include "gapp_config_keys_p.h"
 #include "gapp_init.h"
 #include "gapp_main_window.h"
@@ -17,40 +18,20 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+#include "test_util.h"
 #include <cstdio>
 #include <memory>
 #include <set>
 #include <unistd.h>
 
 using namespace Zal;
+using TestUtil::captureStdout;
+using TestUtil::writeFile;
 using namespace Zal::GApp;
 
 namespace {
 
-template <class F> QByteArray captureStdout(F fn)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("out.txt"));
-    std::fflush(stdout);
-    const int saved = dup(fileno(stdout));
-    FILE *f = std::fopen(QFile::encodeName(path).constData(), "w");
-    dup2(fileno(f), fileno(stdout));
-    fn();
-    std::fflush(stdout);
-    dup2(saved, fileno(stdout));
-    ::close(saved);
-    std::fclose(f);
-    QFile in(path);
-    in.open(QIODevice::ReadOnly);
-    return in.readAll();
-}
 
-void writeFile(const QString &path, const QByteArray &data)
-{
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(data);
-}
 
 QStringList keysOf(const CfgNode *node)
 {
@@ -713,8 +694,11 @@ private slots:
 int main(int argc, char **argv)
 {
     Application app(argc, argv);
-    TestShell test;
-    return QTest::qExec(&test, argc, argv);
+    TestShell shell;
+    TestExecution execution;
+    int failed = QTest::qExec(&shell, argc, argv);
+    failed += QTest::qExec(&execution, argc, argv);
+    return failed;
 }
 
 #include "tst_shell.moc"
