@@ -1,6 +1,7 @@
 #include "gapp_main_window.h"
 #include "gapp_ccontainer.h"
 #include "gapp_init.h"
+#include "gapp_main_area.h"
 #include "gapp_safemode.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
@@ -19,6 +20,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QLayout>
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QScreen>
@@ -58,7 +60,11 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
     main_win = this;
     GTools::main_widget = this;
     resize(800, 700);
-    setCentralWidget(new QWidget(this));
+    main_area = new MainArea::Area(this);
+    setCentralWidget(main_area);
+    setAcceptDrops(true);
+    if (layout())
+        layout()->activate();
     smgr = statusManager;
     cfg = config;
 
@@ -109,6 +115,7 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
         // The window is not usable; leave no half-registered main window behind.
         // The host keeps ownership of what it passed in when construction fails.
         delete GetSelectionInterface::getInterface();
+        main_area = nullptr;
         smgr = nullptr;
         cfg = nullptr;
         main_win = nullptr;
@@ -141,6 +148,9 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
     statusBar()->addPermanentWidget(_progress_bar, 0);
     statusBar()->addPermanentWidget(_cancel_button, 0);
 
+    connect(main_area, &MainArea::Area::widgetSelected, this, &MainWindow::activeViewChanged);
+    connect(main_area, &MainArea::Area::widgetVisibilityChanged, this, &MainWindow::viewVisibilityChanged);
+
     _status_timer = new QTimer(this);
     _status_timer->setSingleShot(true);
     connect(_status_timer, &QTimer::timeout, this, &MainWindow::updateStatusInfo);
@@ -162,6 +172,7 @@ MainWindow::~MainWindow()
     delete cfg;
     cfg = nullptr;
     main_win = nullptr;
+    main_area = nullptr;
     if (GTools::main_widget == this)
         GTools::main_widget = nullptr;
     DeleteStaticData();
@@ -350,6 +361,19 @@ void MainWindow::updateStatusInfo()
             _sensor_label->hide();
     }
     _status_timer->start(1000);
+}
+
+void MainWindow::activeViewChanged(QWidget *)
+{
+    // The view widget registry learns of the active view here once it exists.
+}
+
+void MainWindow::viewVisibilityChanged(QWidget *)
+{
+    if (isDrawingLocked() || _exiting)
+        return;
+    CommandContainer::updateAllActions();
+    emit setMenuSensitiveSignal();
 }
 
 void MainWindow::screenLayoutChanged(int)

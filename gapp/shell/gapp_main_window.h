@@ -199,6 +199,8 @@ signals:
     void menuGroupCmdFinishedSignal(Zal::GApp::Command::CmdGroup_t group);
 
 private slots:
+    void activeViewChanged(QWidget *widget);
+    void viewVisibilityChanged(QWidget *widget);
     void updateStatusInfo();
     void screenLayoutChanged(int screen);
     void showRestartInformation();
