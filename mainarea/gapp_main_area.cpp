@@ -369,6 +369,8 @@ TabWidget *Area::createTabWidget(const LayoutGroup *group, QWidget *parent)
     }
     if (group->raised_widget)
         tabWidget->setCurrentPage(group->raised_widget);
+    // Negotiate once now, bottom-up: layout requests only reach visible
+    // widgets, and maximising must already see the right policies.
     tabWidget->negotiateSize();
     return tabWidget;
 }
