@@ -3,6 +3,7 @@
 #include "gapp_ccontainer.h"
 #include "gapp_config_keys_p.h"
 #include "gapp_main_window.h"
+#include "gapp_menu_data.h"
 #include "gapp_safemode.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
@@ -226,6 +227,7 @@ void DeleteStaticData()
     CommandContainer::deleteAllCommands();
     GTools::InfoMessageContainer::deleteAllInfoMessages();
     GTools::ErrorMessageContainer::deleteAllErrorMessages();
+    MenuDataContainer::deleteAllMenus();
 }
 
 QString ConfigFile::tempFileName(const QString &fileName)

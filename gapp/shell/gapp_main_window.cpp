@@ -2,6 +2,8 @@
 #include "gapp_ccontainer.h"
 #include "gapp_init.h"
 #include "gapp_main_area.h"
+#include "gapp_menu.h"
+#include "gapp_menu_data.h"
 #include "gapp_safemode.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
@@ -26,7 +28,9 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
+#include <QToolBar>
 #include <QToolButton>
+#include <algorithm>
 
 namespace Zal {
 namespace GApp {
@@ -166,6 +170,9 @@ MainWindow::~MainWindow()
     _message_timer = nullptr;
     if (cfg)
         saveConfiguration();
+    for (Menu *menu : _menus)
+        delete menu;
+    _menus.clear();
     menuBar()->clear();
     delete smgr;
     smgr = nullptr;
@@ -212,6 +219,7 @@ void MainWindow::readLayout()
     _layout_file_name = file.fileName();
     // The toolbar, menu, view and shortcut definitions read their sections
     // from the document, in that order.
+    MenuDataContainer::loadMenus(&doc);
 }
 
 void MainWindow::setCaption(const QString &caption)
@@ -256,11 +264,55 @@ void MainWindow::showSensor(bool show)
     _show_sensor = show;
 }
 
+QAction *MainWindow::insertSubMenu(Menu *menu)
+{
+    QAction *action = menuBar()->addMenu(menu);
+    if (std::find(_menus.begin(), _menus.end(), menu) == _menus.end())
+        _menus.push_back(menu);
+    return action;
+}
+
+void MainWindow::clearMenuAndToolBar(const std::vector<QString> &)
+{
+    menuBar()->clear();
+    _menus.clear();
+    // The toolbar definitions destroy here the widgets of the toolbars that
+    // are not kept.
+}
+
+QMenu *MainWindow::createPopupMenu()
+{
+    auto *menu = new Menu(QStringLiteral("toolbar menu"), this);
+    menu->setSeparatorsCollapsible(true);
+    const QList<QToolBar *> toolbars = findChildren<QToolBar *>();
+    for (QToolBar *toolbar : toolbars) {
+        QAction *action = menu->addAction(toolbar->windowTitle());
+        action->setCheckable(true);
+        action->setChecked(toolbar->isVisible());
+        action->setData(QVariant::fromValue<QWidget *>(toolbar));
+    }
+    menu->addSeparator();
+    menu->addCommand(QString::fromLatin1(CMD_RESET_TOOLBARS));
+    menu->addSeparator();
+    menu->addCommand(QString::fromLatin1(CMD_RESET_VIEWS));
+    connect(menu, &QMenu::triggered, this, &MainWindow::toggleToolBarVisibility);
+    return menu;
+}
+
+void MainWindow::toggleToolBarVisibility(QAction *action)
+{
+    const QVariant data = action->data();
+    if (data.metaType() != QMetaType::fromType<QWidget *>())
+        return;
+    if (QWidget *widget = data.value<QWidget *>())
+        widget->setVisible(action->isChecked());
+}
+
 void MainWindow::updateSensitivity()
 {
     if (_exiting)
         return;
-    CommandContainer::updateAllActions();
+    MenuDataContainer::updateSensitivity();
     emit setMenuSensitiveSignal();
 }
 
@@ -372,7 +424,7 @@ void MainWindow::viewVisibilityChanged(QWidget *)
 {
     if (isDrawingLocked() || _exiting)
         return;
-    CommandContainer::updateAllActions();
+    MenuDataContainer::updateSensitivity();
     emit setMenuSensitiveSignal();
 }
 

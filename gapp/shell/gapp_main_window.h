@@ -11,6 +11,7 @@
 
 class QCloseEvent;
 class QLabel;
+class QMenu;
 class QProgressBar;
 class QTimer;
 class QToolButton;
@@ -23,6 +24,7 @@ namespace MainArea {
 class Area;
 }
 namespace GApp {
+class Menu;
 
 // Posted to the main window by command actions and shortcuts so that the
 // command runs later from the event loop, outside the triggering handler.
@@ -105,6 +107,12 @@ public:
     void restoreStateFromString(const QString &state);
     QLabel *createStatusBarEntry();
     void showSensor(bool show);
+    // Appends a column's menu to the menu bar; the menu bar's action for it.
+    QAction *insertSubMenu(Menu *menu);
+    // Empties the menu bar and destroys the widgets of every toolbar not kept.
+    void clearMenuAndToolBar(const std::vector<QString> &kept_toolbars);
+    // The context menu of the toolbar and dock areas.
+    QMenu *createPopupMenu() override;
     void updateSensitivity();
     void emitHelpRequestedSignal(QWidget *widget);
     // The layout file's document: found, parsed and handed to the containers.
@@ -199,6 +207,7 @@ signals:
     void menuGroupCmdFinishedSignal(Zal::GApp::Command::CmdGroup_t group);
 
 private slots:
+    void toggleToolBarVisibility(QAction *action);
     void activeViewChanged(QWidget *widget);
     void viewVisibilityChanged(QWidget *widget);
     void updateStatusInfo();
@@ -216,6 +225,7 @@ private:
     QString _config_file_name;
     QString _layout_file_name;
     QString _name;
+    std::vector<Menu *> _menus;
     QProgressBar *_progress_bar = nullptr;
     QToolButton *_cancel_button = nullptr;
     std::vector<QWidget *> _locked_widgets;

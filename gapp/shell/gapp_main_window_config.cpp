@@ -2,6 +2,7 @@
 #include "gapp_config_keys_p.h"
 #include "gapp_init.h"
 #include "gapp_main_window.h"
+#include "gapp_menu_data.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_file.h"
@@ -41,6 +42,7 @@ bool MainWindow::loadConfiguration()
         level->setValue(0);
     if (CfgList *language = cfg->getList(ZalString(CfgKeys::LANGUAGE)))
         language->setValue(Translator::getLanguage());
+    MenuDataContainer::loadConfig();
     return loaded;
 }
 
@@ -48,6 +50,7 @@ bool MainWindow::saveConfiguration()
 {
     emit saveConfigSignal();
     GTools::InfoMessageContainer::writeInfoStatus(cfg);
+    MenuDataContainer::saveConfig();
     const QString fileName =
         _config_file_name.isEmpty() ? Cfg::UserFile::getSaveFileName(configBaseName()) : _config_file_name;
     const bool saved = ConfigFile::save(cfg, fileName);

@@ -1,6 +1,7 @@
 #include "gapp_status_mgr.h"
 #include "gapp_command.h"
 #include "gapp_main_window.h"
+#include "gapp_menu_data.h"
 #include "gapp_menu_provider.h"
 #include "zal_errorlog.h"
 #include "zal_exception.h"
@@ -25,9 +26,11 @@ void showStandardView(const QString &)
 {
 }
 
-// Where the menu definitions join a mode change: the mode's main menu is built.
-void createMainMenu(const QString &)
+// The mode's main menu is built; without a window there is no menu bar.
+void createMainMenu(const QString &name)
 {
+    if (MainWindow::main_win)
+        MenuDataContainer::createMainMenu(name);
 }
 
 } // namespace

@@ -160,13 +160,15 @@ class MenuProvider : public SpecialMenuProvider
 public:
     explicit MenuProvider(const Menu *menu = nullptr) : _menu(menu) {}
     bool isRegisteredMenu(const Menu *menu) const override { return menu && menu == _menu; }
+    QString getMenuTitle() const override { return QString(); }
+    void fillMenu(Menu *) override {}
 
 private:
     const Menu *_menu;
 };
 
 class NoProfileMenus : public ProfileMenuProvider
-{};
+{ std::vector<QString> getProfileNames() const override { return {}; } };
 
 class PlainCommand : public Command
 {
