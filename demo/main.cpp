@@ -1,17 +1,32 @@
-// The demo host. With "-headless" it runs its commands without a window,
-// prints what happened and exits 0 only when every expected result held;
-// otherwise it shows its commands on a toolbar.
-#include "demo_app.h"
+// The demo host: a small inspection application on libZalGApplication.
+//   zal_demo                 the application in a window
+//   zal_demo -headless       plays demo.macro through the script path, checks
+//                            the results, writes a screenshot and exits 0 only
+//                            when everything held (-screenshot FILE names it)
+//   zal_demo -first-frame    prints "FIRST_FRAME <ms>" once the window is
+//                            painted, then exits (for the start-up benchmark)
+#include "demo_commands.h"
+#include "demo_document.h"
+#include "demo_macro.h"
+#include "demo_status.h"
+#include "demo_views.h"
+#include "gapp_application.h"
 #include "gapp_ccontainer.h"
+#include "gapp_init.h"
+#include "gapp_main_area.h"
 #include "gapp_main_window.h"
 #include "gapp_status_mgr.h"
-#include "zal_errorlog.h"
-#include "zal_variant.h"
-#include <QApplication>
-#include <QLabel>
-#include <QMainWindow>
-#include <QToolBar>
+#include "zal_dialogs.h"
+#include "zal_exception.h"
+#include "zal_icon.h"
+#include "zal_os.h"
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
 #include <cstdio>
+#include <cstring>
 
 using namespace Zal;
 using namespace Zal::GApp;
@@ -20,109 +35,160 @@ namespace {
 
 int failures = 0;
 
-void expect(bool ok, const QString &what)
+void check(bool ok, const QString &what)
 {
     std::printf("%s %s\n", ok ? "ok  " : "FAIL", what.toLocal8Bit().constData());
-    if (!ok)
-        ++failures;
+    std::fflush(stdout);
+    failures += ok ? 0 : 1;
 }
 
-bool runScript(const QString &name, const QString &params, Variant *result)
+bool hasArg(int argc, char **argv, const char *arg)
 {
-    Command *cmd = CommandContainer::getCommand(name);
-    if (!cmd)
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], arg) == 0)
+            return true;
+    return false;
+}
+
+QString argValue(const QStringList &args, const QString &name, const QString &fallback)
+{
+    const int i = args.indexOf(name);
+    return (i >= 0 && i + 1 < args.size()) ? args.at(i + 1) : fallback;
+}
+
+// Paints once, then reports how long the start took.
+class FirstFrameProbe : public QObject
+{
+public:
+    explicit FirstFrameProbe(const QElapsedTimer &clock) : _clock(clock) {}
+    bool eventFilter(QObject *, QEvent *e) override
+    {
+        if (e->type() == QEvent::Paint && !_done) {
+            _done = true;
+            std::printf("FIRST_FRAME %.1f\n", double(_clock.nsecsElapsed()) / 1e6);
+            std::fflush(stdout);
+            QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        }
         return false;
-    QString code;
-    ErrorLog log;
-    if (!cmd->parseParameterString(params, true, &code, &log))
-        return false;
-    return cmd->executeScript(result, &code, &log);
+    }
+
+private:
+    const QElapsedTimer &_clock;
+    bool _done = false;
+};
+
+// Until view definitions are read from the layout file, the demo arranges
+// its three views by hand: the 3-D view, the element list to its right and
+// the log below it.
+void arrangeViews()
+{
+    MainArea::Area *area = MainWindow::main_area;
+    auto *view = new Demo::PointView;
+    auto *list = new Demo::ElementList;
+    auto *log = new Demo::LogView;
+    MainArea::Layout layout(area);
+    layout.addWidget(view, GIcon::Cache::getIconSet("act_measure", 0), QObject::tr("3-D view"), nullptr,
+                     MainArea::Area::Center, MainArea::Area::Percent, 0);
+    layout.addWidget(list, GIcon::Cache::getIconSet("act_inspect", 0), QObject::tr("Elements"), view,
+                     MainArea::Area::Right, MainArea::Area::Percent, 70);
+    layout.addWidget(log, QIcon(), QObject::tr("Log"), view, MainArea::Area::Bottom, MainArea::Area::Percent, 75);
+    area->addWidgets(&layout);
+}
+
+int runHeadless(MainWindow *window, const QString &screenshot)
+{
+    AppStatusManager *smgr = MainWindow::smgr;
+    const unsigned int measure = smgr->getUniqueId(QStringLiteral("measure"));
+    check(smgr->getAppMode() == measure, QStringLiteral("starts in the measuring mode"));
+    check(window->windowTitle() == QStringLiteral("Zal Demo"), QStringLiteral("title: ") + window->windowTitle());
+
+    // The macro works on copies in a scratch folder.
+    QTemporaryDir scratch;
+    QDir(scratch.path()).mkpath(QStringLiteral("data"));
+    QFile::copy(QStringLiteral("data/bracket.pts"), scratch.filePath(QStringLiteral("data/bracket.pts")));
+    const QString macro = QDir::current().absoluteFilePath(QStringLiteral("demo.macro"));
+    const QString home = QDir::currentPath();
+    QDir::setCurrent(scratch.path());
+    const int macroFailures = Demo::playMacro(macro);
+    QDir::setCurrent(home);
+    check(macroFailures == 0, QStringLiteral("the macro gave every expected result"));
+
+    check(window->windowTitle() == QStringLiteral("bracket-copy.pts - Zal Demo"),
+          QStringLiteral("the caption names the saved file: ") + window->windowTitle());
+    CommandAction *grid = CommandContainer::getCommandAction(QStringLiteral("view.toggle_grid"));
+    grid->updateAction(true);
+    check(grid->isChecked(),
+          QStringLiteral("the grid toggle shows its state"));
+    check(!window->isRecording(), QStringLiteral("macro recording is off again"));
+
+    QCoreApplication::processEvents();
+    const bool saved = window->grab().save(screenshot);
+    check(saved, QStringLiteral("screenshot written to ") + QDir::current().absoluteFilePath(screenshot));
+    return failures;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    QApplication app(argc, argv);
-    const bool headless = app.arguments().contains(QStringLiteral("-headless"));
+    QElapsedTimer clock;
+    clock.start();
+    const bool headless = hasArg(argc, argv, "-headless");
+    const bool firstFrame = hasArg(argc, argv, "-first-frame");
+    ZalInit::setApplicationName(QStringLiteral("ZalDemo"));
+    // A headless run leaves the user's own settings alone.
+    QTemporaryDir settings;
+    if ((headless || firstFrame) && !OS::getEnv("ZAL_USER_CONFIG_DIR"))
+        qputenv("ZAL_USER_CONFIG_DIR", settings.path().toLocal8Bit());
 
-    AppStatusManager smgr;
-    // Until the demo has its main window, the commands reach the manager here.
-    MainWindow::smgr = &smgr;
+    try {
+        CfgNode *cfg = InitLibrary();
+        Application app(argc, argv);
+        QStringList args = app.arguments();
+        static Demo::RecordManager records;
+        Demo::createCommands();
 
-    QStringList journal;
-    const unsigned int measure = smgr.getUniqueId(QStringLiteral("measure"));
-    const unsigned int inspect = smgr.getUniqueId(QStringLiteral("inspect"));
-    smgr.setStatusData(measure, new Demo::DemoStatus(measure, QStringLiteral("measure"), &journal));
-    smgr.setStatusData(inspect, new Demo::DemoStatus(inspect, QStringLiteral("inspect"), &journal));
-    Demo::createCommands();
+        auto *smgr = new AppStatusManager;
+        for (const char *name : {"measure", "inspect"}) {
+            const unsigned int mode = smgr->getUniqueId(QString::fromLatin1(name));
+            smgr->setStatusData(mode, new Demo::DemoStatus(mode, QString::fromLatin1(name)));
+        }
+        auto *window = new MainWindow("Zal Demo", smgr, cfg, args);
+        arrangeViews();
+        QObject::connect(&Demo::Document::instance(), &Demo::Document::changed, window,
+                         [window] { window->updateSensitivity(); });
+        smgr->setAppMode(smgr->getUniqueId(QStringLiteral("measure")));
 
-    unsigned int dataSignals = 0;
-    QObject::connect(&smgr, &AppStatusManager::dataChangedSignal, [&] { ++dataSignals; });
+        // Without a person in front of it, dialogs are printed and answered.
+        if (headless || firstFrame) {
+            GTools::DialogSeam::setHandler([](const GTools::DialogRequest &r) {
+                std::printf("dialog: %s: %s\n", r.title.toLocal8Bit().constData(), r.text.toLocal8Bit().constData());
+                return 0;
+            });
+        }
+        window->checkConfiguration();
 
-    smgr.setAppMode(measure);
-    expect(smgr.getAppMode() == measure, QStringLiteral("measuring mode active"));
-    journal.clear();
-    smgr.setAppMode(inspect);
-    expect(journal
-               == QStringList(
-                   {"measure before 1", "inspect before 1", "measure after 0", "inspect after 0"}),
-           QStringLiteral("both types heard of the change to inspection: ")
-               + journal.join(QStringLiteral("; ")));
-
-    expect(std::distance(CommandContainer::begin(), CommandContainer::end()) == 6,
-           QStringLiteral("six commands registered"));
-
-    Variant result;
-    bool ran =
-        runScript(QStringLiteral("file.open"), QStringLiteral("file=\"part 1.insp\""), &result);
-    expect(ran && result.getString() == QStringLiteral("part 1.insp"),
-           QStringLiteral("file.open -> ") + result.toString());
-
-    ran = runScript(QStringLiteral("meas.distance"), QStringLiteral("p1=[0, 0, 0] p2=[3, 4, 0]"),
-                    &result);
-    expect(ran && result.getType() == Variant::TYPE_LIST && result.getList().size() == 4
-               && result.getList()[0].getString() == QStringLiteral("5"),
-           QStringLiteral("meas.distance -> ") + result.toString());
-    expect(!runScript(QStringLiteral("meas.distance"), QStringLiteral("p1=[0, 0]"), &result),
-           QStringLiteral("meas.distance rejects a point with two coordinates"));
-    expect(dataSignals == 2, QStringLiteral("data changed twice: %1").arg(dataSignals));
-
-    CommandAction *save = CommandContainer::getCommandAction(QStringLiteral("file.save"));
-    save->updateAction(true);
-    expect(save->isEnabled(), QStringLiteral("file.save enabled after a measurement"));
-    ran = runScript(QStringLiteral("sys.undo"), QString(), &result);
-    expect(ran && result.getString() == QStringLiteral("0"),
-           QStringLiteral("sys.undo -> ") + result.toString());
-    CommandAction *redo = CommandContainer::getCommandAction(QStringLiteral("sys.redo"));
-    redo->updateAction(true);
-    expect(redo->isEnabled(), QStringLiteral("sys.redo enabled after an undo"));
-
-    Command *grid = CommandContainer::getCommand(QStringLiteral("view.toggle_grid"));
-    CommandAction *gridAction =
-        CommandContainer::getCommandAction(QStringLiteral("view.toggle_grid"));
-    grid->executeMenu();
-    gridAction->updateAction(true);
-    expect(gridAction->isCheckable() && gridAction->isChecked(),
-           QStringLiteral("view.toggle_grid checked"));
-    expect(grid->isDefaultIconSet()
-               && !CommandContainer::getCommand(QStringLiteral("file.open"))->isDefaultIconSet(),
-           QStringLiteral("grid has a text icon, file.open its own"));
-
-    int status = failures == 0 ? 0 : 1;
-    std::printf("%s\n",
-                failures == 0 ? "demo: all results as expected" : "demo: some results differ");
-    if (!headless) {
-        QMainWindow win;
-        QToolBar *bar = win.addToolBar(QStringLiteral("demo"));
-        for (auto it = CommandContainer::begin(); it != CommandContainer::end(); ++it)
-            it->second->createToolBarWidget(bar, false);
-        win.setCentralWidget(new QLabel(
-            QStringLiteral("The main window arrives soon; these are the demo's commands.")));
-        win.show();
-        status = app.exec();
+        int status = 0;
+        if (firstFrame) {
+            FirstFrameProbe probe(clock);
+            window->installEventFilter(&probe);
+            window->show();
+            status = app.exec();
+        } else if (headless) {
+            window->show();
+            status = runHeadless(window, argValue(args, QStringLiteral("-screenshot"), QStringLiteral("zal-demo.png")));
+            std::printf("%s\n", status == 0 ? "demo: all checks passed" : "demo: some checks FAILED");
+        } else {
+            window->show();
+            status = app.exec();
+        }
+        delete window;
+        return status == 0 ? 0 : 1;
+    } catch (const Exception &e) {
+        std::fprintf(stderr, "zal_demo: %s\n", e.what());
+        return 2;
+    } catch (const std::exception &e) {
+        std::fprintf(stderr, "zal_demo: %s\n", e.what());
+        return 2;
     }
-    CommandContainer::deleteAllCommands();
-    MainWindow::smgr = nullptr;
-    return status;
 }

@@ -51,6 +51,8 @@ Application::Application(int &argc, char **argv)
     QFont::insertSubstitution(QStringLiteral("Luxi Serif"), QStringLiteral("Times New Roman"));
     QFont::insertSubstitution(QStringLiteral("Luxi Mono"), QStringLiteral("Courier New"));
     QFont::insertSubstitution(QStringLiteral("Luxi Sans"), QStringLiteral("Arial"));
+    // Catalogues installed before the application existed take effect now.
+    Translator::setLanguage(Translator::getLanguage());
 #if defined(Q_OS_WIN)
     installNativeEventFilter(new ContextHelpFilter);
 #endif

@@ -217,8 +217,11 @@ CfgNode *InitLibrary()
         translate("GAPP_info", "the currently active renderer does not allow the window to be fully maximized."));
 
     CfgFileName *temp = node->getFileName(ZalString(CFG_TEMP_DIR));
-    if (temp && temp->getValue() == temp->getDefault())
+    if (temp && temp->getValue() == temp->getDefault()) {
+        // The default lies in the user's own folder: make it on first start.
+        QDir().mkpath(temp->getValue());
         cleanTemporaryDirectory(temp->getValue(), QDateTime::currentDateTime());
+    }
     return node;
 }
 

@@ -164,6 +164,10 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
 
 MainWindow::~MainWindow()
 {
+    // The area outlives this part of the window while QWidget deletes the
+    // children; its signals must not reach slots of a half-destroyed window.
+    if (main_area)
+        main_area->disconnect(this);
     MenuFunctionFinishedCallback::clearCBs();
     delete SaveSessionHandler::ssh;
     delete _message_timer;
