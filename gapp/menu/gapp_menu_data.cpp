@@ -161,14 +161,14 @@ void MenuData::insertCommand(const QString &name)
     MenuDataItem item;
     item.kind = MenuDataItem::COMMAND;
     item.name = name;
-    _open_sub_menus.back()->_items.push_back(item);
+    _open_sub_menus.back()->_items.push_back(std::move(item));
 }
 
 void MenuData::insertSeparator()
 {
     MenuDataItem item;
     item.kind = MenuDataItem::SEPARATOR;
-    _open_sub_menus.back()->_items.push_back(item);
+    _open_sub_menus.back()->_items.push_back(std::move(item));
 }
 
 void MenuData::insertSpecialMenu(const QString &name)
@@ -176,7 +176,7 @@ void MenuData::insertSpecialMenu(const QString &name)
     MenuDataItem item;
     item.kind = MenuDataItem::SPECIAL_MENU;
     item.name = name;
-    _open_sub_menus.back()->_items.push_back(item);
+    _open_sub_menus.back()->_items.push_back(std::move(item));
 }
 
 void MenuData::insertSubMenu(const ZalString &name, const ZalString &translate_section,
@@ -185,9 +185,10 @@ void MenuData::insertSubMenu(const ZalString &name, const ZalString &translate_s
     MenuDataItem item;
     item.kind = MenuDataItem::SUB_MENU;
     item.pixmap = pixmap;
-    item.sub_menu = new MenuData(name, translate_section);
-    _open_sub_menus.back()->_items.push_back(item);
-    _open_sub_menus.push_back(item.sub_menu);
+    auto *sub = new MenuData(name, translate_section);
+    item.sub_menu = sub;
+    _open_sub_menus.back()->_items.push_back(std::move(item));
+    _open_sub_menus.push_back(sub);
 }
 
 void MenuData::closeSubMenu()
@@ -283,7 +284,8 @@ void MenuData::createMenuRecursive(Menu *menu)
             auto *sub = new Menu(item.sub_menu->getTranslatedName(), menu);
             sub->setTearOffEnabled(menu->isTearOffEnabled());
             sub->setSeparatorsCollapsible(menu->separatorsCollapsible());
-            sub->setIcon(QIcon(item.pixmap));
+            if (!item.pixmap.isNull())
+                sub->setIcon(QIcon(item.pixmap));
             item.sub_menu->createMenuRecursive(sub);
             menu->addMenu(sub);
             if (profile) {
