@@ -24,10 +24,6 @@ void fill(const std::map<QString, std::vector<QString>> &additions, const QStrin
         *commands = it->second;
 }
 
-QString tr(const char *text)
-{
-    return translate("Zal_cfg", text);
-}
 
 std::unique_ptr<ParsedProfile> &userProfile()
 {
@@ -123,7 +119,7 @@ bool ParsedProfile::parse(const QString &fileName, ErrorLog *log)
     QString text;
     if (!CfgText::readTextFile(fileName, text)) {
         if (log) {
-            *log << tr("cannot read profile %1: missing, too large or not UTF-8").arg(fileName)
+            *log << translate("Zal_cfg", "cannot read profile %1: missing, too large or not UTF-8").arg(fileName)
                  << END_LOG;
         }
         return false;
@@ -136,11 +132,11 @@ bool ParsedProfile::parseText(const QString &text, ErrorLog *log, const QString 
     int lineNumber = 0;
     auto fail = [&](const QString &reason) {
         if (log)
-            *log << tr("profile %1, line %2: %3").arg(source).arg(lineNumber).arg(reason) << END_LOG;
+            *log << translate("Zal_cfg", "profile %1, line %2: %3").arg(source).arg(lineNumber).arg(reason) << END_LOG;
         return false;
     };
     if (text.size() > CfgText::MAX_FILE_SIZE)
-        return fail(tr("file too large"));
+        return fail(translate("Zal_cfg", "file too large"));
 
     // Parsed into a scratch profile, so that a damaged file changes nothing.
     ParsedProfile parsed;
@@ -152,30 +148,30 @@ bool ParsedProfile::parseText(const QString &text, ErrorLog *log, const QString 
         if (line.endsWith(QLatin1Char('\r')))
             line.chop(1);
         if (line.size() > CfgText::MAX_LINE_LENGTH)
-            return fail(tr("line too long"));
+            return fail(translate("Zal_cfg", "line too long"));
         if (headerSeen && CfgText::isIgnorable(line))
             continue;
         if (!CfgText::split(line, tokens))
-            return fail(tr("malformed quote or escape"));
+            return fail(translate("Zal_cfg", "malformed quote or escape"));
         if (!headerSeen) {
             bool ok = false;
             if (tokens.size() != 2 || tokens[0].quoted || tokens[0].text != FORMAT_NAME
                 || tokens[1].quoted || tokens[1].text.toInt(&ok, 10) != FORMAT_VERSION || !ok) {
-                return fail(tr("not a profile of version 1"));
+                return fail(translate("Zal_cfg", "not a profile of version 1"));
             }
             headerSeen = true;
             continue;
         }
         if (tokens[0].quoted)
-            return fail(tr("a line must begin with a directive"));
+            return fail(translate("Zal_cfg", "a line must begin with a directive"));
         for (size_t i = 1; i < tokens.size(); ++i) {
             if (tokens[i].text.isEmpty())
-                return fail(tr("empty name"));
+                return fail(translate("Zal_cfg", "empty name"));
         }
         const QString &directive = tokens[0].text;
         if (directive == QLatin1String("hide")) {
             if (tokens.size() < 2)
-                return fail(tr("missing command name"));
+                return fail(translate("Zal_cfg", "missing command name"));
             for (size_t i = 1; i < tokens.size(); ++i)
                 parsed.hideCommand(tokens[i].text);
             continue;
@@ -190,15 +186,15 @@ bool ParsedProfile::parseText(const QString &text, ErrorLog *log, const QString 
         else if (directive == QLatin1String("after-special-menu"))
             additions = &parsed._afterSpecialMenu;
         else
-            return fail(tr("unknown directive '%1'").arg(directive));
+            return fail(translate("Zal_cfg", "unknown directive '%1'").arg(directive));
         if (tokens.size() < 3)
-            return fail(tr("'%1' needs a name and at least one command").arg(directive));
+            return fail(translate("Zal_cfg", "'%1' needs a name and at least one command").arg(directive));
         auto &list = (*additions)[tokens[1].text];
         for (size_t i = 2; i < tokens.size(); ++i)
             list.push_back(tokens[i].text);
     }
     if (!headerSeen)
-        return fail(tr("not a profile of version 1"));
+        return fail(translate("Zal_cfg", "not a profile of version 1"));
     _hidden = std::move(parsed._hidden);
     _atMenuStart = std::move(parsed._atMenuStart);
     _afterCommand = std::move(parsed._afterCommand);

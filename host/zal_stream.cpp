@@ -22,10 +22,6 @@ const quint32 NULL_STRING = 0xffffffff;
 // Far beyond any text the library stores, and within what one read can take.
 const quint32 MAX_STRING_BYTES = 0x40000000;
 
-QString tr(const char *text)
-{
-    return translate("Zal_stream", text);
-}
 
 void setUp(QDataStream &stream)
 {
@@ -69,7 +65,7 @@ OutStream::OutStream(const QString &fileName, const QString &fileTypeName,
     _typeName = fileTypeName;
     _version = fileVersion;
     if (!d->file.open(QIODevice::WriteOnly))
-        fail(tr("cannot write %1: %2").arg(fileName, d->file.errorString()));
+        fail(translate("Zal_stream", "cannot write %1: %2").arg(fileName, d->file.errorString()));
     d->out.setDevice(&d->file);
     setUp(d->out);
     d->out << MAGIC << LAYOUT_VERSION << fileTypeName << quint32(fileVersion);
@@ -96,15 +92,15 @@ void OutStream::fail(const QString &text)
 void OutStream::check()
 {
     if (d->out.status() != QDataStream::Ok)
-        fail(tr("cannot write %1: %2").arg(_fileName, d->file.errorString()));
+        fail(translate("Zal_stream", "cannot write %1: %2").arg(_fileName, d->file.errorString()));
 }
 
 void OutStream::reserve(unsigned int bytes)
 {
     if (!d->inBlock)
-        fail(tr("%1: a value written outside a block").arg(_fileName));
+        fail(translate("Zal_stream", "%1: a value written outside a block").arg(_fileName));
     if (d->written + bytes > d->declared) {
-        fail(tr("%1: writing past the end of the block (%2 bytes declared)")
+        fail(translate("Zal_stream", "%1: writing past the end of the block (%2 bytes declared)")
                  .arg(_fileName)
                  .arg(d->declared));
     }
@@ -114,7 +110,7 @@ void OutStream::reserve(unsigned int bytes)
 void OutStream::beginBlock(unsigned int payloadSize, unsigned int blockVersion)
 {
     if (d->closed || d->inBlock)
-        fail(tr("%1: a block is open already").arg(_fileName));
+        fail(translate("Zal_stream", "%1: a block is open already").arg(_fileName));
     d->out << quint32(payloadSize) << quint32(blockVersion);
     check();
     d->inBlock = true;
@@ -161,9 +157,9 @@ void OutStream::writeColor(const Color &value)
 void OutStream::endBlock()
 {
     if (!d->inBlock)
-        fail(tr("%1: no open block").arg(_fileName));
+        fail(translate("Zal_stream", "%1: no open block").arg(_fileName));
     if (d->written != d->declared) {
-        fail(tr("%1: block payload of %2 bytes, %3 declared")
+        fail(translate("Zal_stream", "%1: block payload of %2 bytes, %3 declared")
                  .arg(_fileName)
                  .arg(d->written)
                  .arg(d->declared));
@@ -176,12 +172,12 @@ void OutStream::close()
     if (d->closed)
         return;
     if (d->inBlock)
-        fail(tr("%1: closed with a block open").arg(_fileName));
+        fail(translate("Zal_stream", "%1: closed with a block open").arg(_fileName));
     check();
     d->closed = true;
     if (!d->file.commit()) {
         d->failed = true;
-        throw StreamException(tr("cannot write %1: %2").arg(_fileName, d->file.errorString()));
+        throw StreamException(translate("Zal_stream", "cannot write %1: %2").arg(_fileName, d->file.errorString()));
     }
 }
 
@@ -204,9 +200,9 @@ InStream::InStream(const QString &fileName, const QString &expectedTypeName)
     : Stream(fileName), d(std::make_unique<Private>(fileName))
 {
     if (!d->file.open(QIODevice::ReadOnly))
-        fail(tr("cannot open %1: %2").arg(fileName, d->file.errorString()));
+        fail(translate("Zal_stream", "cannot open %1: %2").arg(fileName, d->file.errorString()));
     if (d->file.isSequential())
-        fail(tr("%1 is not a regular file").arg(fileName));
+        fail(translate("Zal_stream", "%1 is not a regular file").arg(fileName));
     d->size = d->file.size();
     d->in.setDevice(&d->file);
     setUp(d->in);
@@ -216,17 +212,17 @@ InStream::InStream(const QString &fileName, const QString &expectedTypeName)
     if (d->left() >= 8)
         d->in >> magic >> layout;
     if (magic != MAGIC)
-        fail(tr("%1 is not a stream file").arg(fileName));
+        fail(translate("Zal_stream", "%1 is not a stream file").arg(fileName));
     if (layout != LAYOUT_VERSION)
-        fail(tr("%1 has the unknown stream layout %2").arg(fileName).arg(layout));
+        fail(translate("Zal_stream", "%1 has the unknown stream layout %2").arg(fileName).arg(layout));
     _typeName = readStringLimited(MAX_TYPE_NAME_BYTES + 4);
     if (d->left() < 4)
-        fail(tr("%1: reading past the end of the file").arg(fileName));
+        fail(translate("Zal_stream", "%1: reading past the end of the file").arg(fileName));
     quint32 version = 0;
     d->in >> version;
     _version = version;
     if (!expectedTypeName.isEmpty() && _typeName != expectedTypeName)
-        fail(tr("%1 is of type '%2', not '%3'").arg(fileName, _typeName, expectedTypeName));
+        fail(translate("Zal_stream", "%1 is of type '%2', not '%3'").arg(fileName, _typeName, expectedTypeName));
 }
 
 InStream::~InStream() = default;
@@ -244,16 +240,16 @@ bool InStream::atEnd() const
 void InStream::openBlock()
 {
     if (d->inBlock)
-        fail(tr("%1: a block is open already").arg(_fileName));
+        fail(translate("Zal_stream", "%1: a block is open already").arg(_fileName));
     if (d->left() < 8)
-        fail(tr("%1: reading past the end of the file").arg(_fileName));
+        fail(translate("Zal_stream", "%1: reading past the end of the file").arg(_fileName));
     quint32 payload = 0;
     quint32 version = 0;
     d->in >> payload >> version;
     if (d->in.status() != QDataStream::Ok)
-        fail(tr("%1: read error").arg(_fileName));
+        fail(translate("Zal_stream", "%1: read error").arg(_fileName));
     if (qint64(payload) > d->left())
-        fail(tr("%1: block of %2 bytes in a file with %3 left").arg(_fileName).arg(payload).arg(d->left()));
+        fail(translate("Zal_stream", "%1: block of %2 bytes in a file with %3 left").arg(_fileName).arg(payload).arg(d->left()));
     d->inBlock = true;
     d->blockVersion = version;
     d->remaining = payload;
@@ -272,9 +268,9 @@ unsigned int InStream::getBlockRemaining() const
 void InStream::take(unsigned int bytes)
 {
     if (!d->inBlock)
-        fail(tr("%1: a value read outside a block").arg(_fileName));
+        fail(translate("Zal_stream", "%1: a value read outside a block").arg(_fileName));
     if (bytes > d->remaining)
-        fail(tr("%1: reading past the end of the block").arg(_fileName));
+        fail(translate("Zal_stream", "%1: reading past the end of the block").arg(_fileName));
     d->remaining -= bytes;
 }
 
@@ -284,7 +280,7 @@ void InStream::readInt(int &value)
     qint32 v = 0;
     d->in >> v;
     if (d->in.status() != QDataStream::Ok)
-        fail(tr("%1: read error").arg(_fileName));
+        fail(translate("Zal_stream", "%1: read error").arg(_fileName));
     value = v;
 }
 
@@ -294,7 +290,7 @@ void InStream::readUInt(unsigned int &value)
     quint32 v = 0;
     d->in >> v;
     if (d->in.status() != QDataStream::Ok)
-        fail(tr("%1: read error").arg(_fileName));
+        fail(translate("Zal_stream", "%1: read error").arg(_fileName));
     value = v;
 }
 
@@ -304,16 +300,16 @@ void InStream::readBool(bool &value)
     quint8 v = 0;
     d->in >> v;
     if (d->in.status() != QDataStream::Ok)
-        fail(tr("%1: read error").arg(_fileName));
+        fail(translate("Zal_stream", "%1: read error").arg(_fileName));
     if (v > 1)
-        fail(tr("%1: invalid boolean value %2").arg(_fileName).arg(v));
+        fail(translate("Zal_stream", "%1: invalid boolean value %2").arg(_fileName).arg(v));
     value = v != 0;
 }
 
 void InStream::readString(QString &value)
 {
     if (!d->inBlock)
-        fail(tr("%1: a value read outside a block").arg(_fileName));
+        fail(translate("Zal_stream", "%1: a value read outside a block").arg(_fileName));
     QString text = readStringLimited(d->remaining);
     d->remaining -= sizeOf(text);
     value = std::move(text);
@@ -322,20 +318,20 @@ void InStream::readString(QString &value)
 QString InStream::readStringLimited(qint64 limit)
 {
     if (d->left() < 4 || limit < 4)
-        fail(tr("%1: reading past the end of the block").arg(_fileName));
+        fail(translate("Zal_stream", "%1: reading past the end of the block").arg(_fileName));
     quint32 bytes = 0;
     d->in >> bytes;
     if (bytes == NULL_STRING)
         return QString();
     if (bytes % 2 != 0 || bytes > MAX_STRING_BYTES)
-        fail(tr("%1: invalid string length %2").arg(_fileName).arg(bytes));
+        fail(translate("Zal_stream", "%1: invalid string length %2").arg(_fileName).arg(bytes));
     // Checked before the allocation: a damaged length cannot ask for more
     // memory than the block (and so the file) holds.
     if (qint64(bytes) > limit - 4 || qint64(bytes) > d->left())
-        fail(tr("%1: string of %2 bytes exceeds its block").arg(_fileName).arg(bytes));
+        fail(translate("Zal_stream", "%1: string of %2 bytes exceeds its block").arg(_fileName).arg(bytes));
     QByteArray raw(qsizetype(bytes), Qt::Uninitialized);
     if (d->in.readRawData(raw.data(), int(bytes)) != int(bytes))
-        fail(tr("%1: read error").arg(_fileName));
+        fail(translate("Zal_stream", "%1: read error").arg(_fileName));
     QString text(qsizetype(bytes / 2), Qt::Uninitialized);
     qFromBigEndian<char16_t>(raw.constData(), bytes / 2, text.data());
     return text;
@@ -347,16 +343,16 @@ void InStream::readColor(Color &value)
     Color c;
     d->in >> c.red >> c.green >> c.blue >> c.alpha;
     if (d->in.status() != QDataStream::Ok)
-        fail(tr("%1: read error").arg(_fileName));
+        fail(translate("Zal_stream", "%1: read error").arg(_fileName));
     value = c;
 }
 
 void InStream::closeBlock()
 {
     if (!d->inBlock)
-        fail(tr("%1: no open block").arg(_fileName));
+        fail(translate("Zal_stream", "%1: no open block").arg(_fileName));
     if (d->remaining > 0 && !d->file.seek(d->file.pos() + d->remaining))
-        fail(tr("%1: read error").arg(_fileName));
+        fail(translate("Zal_stream", "%1: read error").arg(_fileName));
     d->inBlock = false;
     d->remaining = 0;
 }

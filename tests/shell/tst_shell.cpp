@@ -210,6 +210,22 @@ private slots:
                  QStringLiteral("the currently active renderer does not allow the window to be fully maximized."));
     }
 
+    void libraryTextsComeFromTheCatalogue()
+    {
+        std::vector<QString> codes, names;
+        Translator::getAllLanguages(codes, names);
+        const int german = int(std::find(codes.begin(), codes.end(), QStringLiteral("de")) - codes.begin());
+        QVERIFY(Translator::setLanguage(german));
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        const QString text = GTools::ErrorMessageContainer::getText("GAPP-0011");
+        const QString description = node->getBool("UseLargeIcons")->getDescription();
+        QVERIFY(Translator::setLanguage(0));
+        QCOMPARE(text, QStringLiteral("Abbruch durch den Benutzer"));
+        QCOMPARE(description, QStringLiteral("Große Symbole verwenden"));
+        // The list of languages is the entries of the language item.
+        QCOMPARE(node->getList("Language")->getEntries(), names);
+    }
+
     void arguments_data()
     {
         QTest::addColumn<QStringList>("args");
