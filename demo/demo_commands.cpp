@@ -1,5 +1,6 @@
 #include "demo_commands.h"
 #include "demo_document.h"
+#include "demo_recent.h"
 #include "gapp_main_window.h"
 #include "zal_errorlog.h"
 #include "zal_parse.h"
@@ -131,6 +132,7 @@ public:
         QString error;
         if (!doc().open(_file, &error))
             return fail(code, log, "GAPP-0007", createErrorString(error));
+        RecentFilesProvider::instance()->addFile(_file);
         *result = QString::number(doc().points().size());
         emitDataChanged(1);
         return true;

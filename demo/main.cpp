@@ -8,6 +8,7 @@
 #include "demo_commands.h"
 #include "demo_document.h"
 #include "demo_macro.h"
+#include "demo_recent.h"
 #include "demo_status.h"
 #include "demo_views.h"
 #include "gapp_application.h"
@@ -15,14 +16,19 @@
 #include "gapp_init.h"
 #include "gapp_main_area.h"
 #include "gapp_main_window.h"
+#include "gapp_menu_data.h"
 #include "gapp_status_mgr.h"
 #include "zal_dialogs.h"
+#include "zal_cfg_profile.h"
+#include "zal_errorlog.h"
 #include "zal_exception.h"
 #include "zal_icon.h"
 #include "zal_os.h"
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <cstdio>
@@ -95,6 +101,27 @@ void arrangeViews()
     area->addWidgets(&layout);
 }
 
+QStringList menuTitles(MainWindow *window)
+{
+    QStringList titles;
+    for (QAction *a : window->menuBar()->actions())
+        titles << a->text();
+    return titles;
+}
+
+QStringList entriesOf(MainWindow *window, const QString &title)
+{
+    QStringList entries;
+    for (QAction *a : window->menuBar()->actions()) {
+        if (a->text() != title || !a->menu())
+            continue;
+        for (QAction *entry : a->menu()->actions())
+            if (!entry->isSeparator())
+                entries << entry->text();
+    }
+    return entries;
+}
+
 int runHeadless(MainWindow *window, const QString &screenshot)
 {
     AppStatusManager *smgr = MainWindow::smgr;
@@ -109,10 +136,26 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     const QString macro = QDir::current().absoluteFilePath(QStringLiteral("demo.macro"));
     const QString home = QDir::currentPath();
     QDir::setCurrent(scratch.path());
+    const QStringList measureMenus = menuTitles(window);
+    check(measureMenus == QStringList({"&File", "&Edit", "&Measure", "&View"}),
+          QStringLiteral("measuring menus: ") + measureMenus.join(QLatin1Char(' ')));
+    const QStringList viewEntries = entriesOf(window, QStringLiteral("&View"));
+    check(viewEntries == QStringList({"&Record macro"}),
+          QStringLiteral("the profile replaced the grid entry: ") + viewEntries.join(QLatin1Char(' ')));
+
     const int macroFailures = Demo::playMacro(macro);
     QDir::setCurrent(home);
     check(macroFailures == 0, QStringLiteral("the macro gave every expected result"));
 
+    window->execute(CommandContainer::getCommand(QStringLiteral("sys.set_mode")), QStringLiteral("mode=\"inspect\""));
+    const QStringList inspectMenus = menuTitles(window);
+    check(inspectMenus == QStringList({"&File", "&Edit", "&Inspect", "&View"}),
+          QStringLiteral("inspection menus: ") + inspectMenus.join(QLatin1Char(' ')));
+    window->execute(CommandContainer::getCommand(QStringLiteral("sys.set_mode")), QStringLiteral("mode=\"measure\""));
+
+    const QStringList recent = Demo::RecentFilesProvider::instance()->files();
+    check(recent.size() == 1 && recent.first().endsWith(QStringLiteral("data/bracket.pts")),
+          QStringLiteral("recent files: ") + recent.join(QLatin1Char(' ')));
     check(window->windowTitle() == QStringLiteral("bracket-copy.pts - Zal Demo"),
           QStringLiteral("the caption names the saved file: ") + window->windowTitle());
     CommandAction *grid = CommandContainer::getCommandAction(QStringLiteral("view.toggle_grid"));
@@ -142,6 +185,11 @@ int main(int argc, char **argv)
         qputenv("ZAL_USER_CONFIG_DIR", settings.path().toLocal8Bit());
 
     try {
+        // The demo's profile hides the grid toggle in menus and puts the
+        // recording toggle in its place.
+        ErrorLog profileLog;
+        if (!Cfg::Profile::load(QStringLiteral("ZalDemo.profile"), &profileLog))
+            std::printf("profile not used: %s\n", profileLog.getText().toLocal8Bit().constData());
         CfgNode *cfg = InitLibrary();
         Application app(argc, argv);
         QStringList args = app.arguments();
@@ -153,6 +201,8 @@ int main(int argc, char **argv)
             const unsigned int mode = smgr->getUniqueId(QString::fromLatin1(name));
             smgr->setStatusData(mode, new Demo::DemoStatus(mode, QString::fromLatin1(name)));
         }
+        smgr->registerSpecialMenuProvider(QString::fromLatin1(MenuData::RECENT_FILES),
+                                          Demo::RecentFilesProvider::instance());
         auto *window = new MainWindow("Zal Demo", smgr, cfg, args);
         arrangeViews();
         QObject::connect(&Demo::Document::instance(), &Demo::Document::changed, window,

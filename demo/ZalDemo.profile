@@ -1,0 +1,3 @@
+ZalProfile 1
+hide view.toggle_grid
+after-command view.toggle_grid macro.toggle_recording
