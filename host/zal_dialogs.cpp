@@ -51,6 +51,19 @@ int showRealDialog(const DialogRequest &r)
     return buttons.empty() ? 0 : int(buttons.size()) - 1;
 }
 
+DialogRequest makeRequest(const char *kind, int type, const QString &title, const QString &text,
+                          const QString &third, const QStringList &buttons)
+{
+    DialogRequest r;
+    r.kind = QString::fromLatin1(kind);
+    r.type = type;
+    r.title = title;
+    r.text = text;
+    r.third = third;
+    r.buttons = buttons;
+    return r;
+}
+
 } // namespace
 
 QWidget *main_widget = nullptr;
@@ -124,40 +137,20 @@ void ErrorDialog(const QString &code, const QString &text)
 
 void OkDialog(int type, const QString &title, const QString &text, const QString &third)
 {
-    DialogRequest r;
-    r.kind = QStringLiteral("ok");
-    r.type = type;
-    r.title = title;
-    r.text = text;
-    r.third = third;
-    r.buttons << translate("GTools", "ok");
-    DialogSeam::ask(r);
+    DialogSeam::ask(makeRequest("ok", type, title, text, third, {translate("GTools", "ok")}));
 }
 
 bool OkCancelDialog(int type, const QString &title, const QString &text, const QString &third,
                     const QString &okText, const QString &cancelText)
 {
-    DialogRequest r;
-    r.kind = QStringLiteral("okcancel");
-    r.type = type;
-    r.title = title;
-    r.text = text;
-    r.third = third;
-    r.buttons << okText << cancelText;
-    return DialogSeam::ask(r) == 0;
+    return DialogSeam::ask(makeRequest("okcancel", type, title, text, third, {okText, cancelText})) == 0;
 }
 
 int YesNoCancelDialog(int type, const QString &title, const QString &text, const QString &third,
                       const QString &button0, const QString &button1, const QString &button2)
 {
-    DialogRequest r;
-    r.kind = QStringLiteral("yesnocancel");
-    r.type = type;
-    r.title = title;
-    r.text = text;
-    r.third = third;
-    r.buttons << button0 << button1 << button2;
-    const int answer = DialogSeam::ask(r);
+    const int answer =
+        DialogSeam::ask(makeRequest("yesnocancel", type, title, text, third, {button0, button1, button2}));
     return (answer >= 0 && answer <= 2) ? answer : 2;
 }
 
