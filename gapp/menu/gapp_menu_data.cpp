@@ -6,6 +6,7 @@
 #include "gapp_menu.h"
 #include "gapp_menu_provider.h"
 #include "gapp_status_mgr.h"
+#include "gapp_toolbar_data.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_profile.h"
@@ -59,20 +60,6 @@ struct FillState
 };
 
 FillState fillState;
-
-// Where the toolbar definitions join: the dock area of a defined toolbar.
-// No toolbar is known yet, so every toolbar of a main menu reads as having
-// no successor.
-bool toolBarDockArea(const QString &, Qt::ToolBarArea *)
-{
-    return false;
-}
-
-// Where the toolbar widgets join a main-menu switch: the main menu's
-// toolbars are created or placed, each before its successor.
-void createToolBarWidgets(const std::vector<QString> &, const std::vector<QString> &)
-{
-}
 
 [[noreturn]] void layoutError(const char *function, const QString &message)
 {
@@ -478,10 +465,11 @@ void MenuDataContainer::registerMainMenu(const QString &name,
     // successor of the next one found there.
     std::map<int, QString> nextInArea;
     for (size_t i = toolbars.size(); i-- > 0;) {
-        Qt::ToolBarArea area;
-        if (!toolBarDockArea(toolbars[i], &area))
+        // An undefined toolbar has no place; building the main menu reports it.
+        const ToolBarData *toolbar = ToolBarContainer::getToolBar(toolbars[i]);
+        if (!toolbar)
             continue;
-        QString &next = nextInArea[int(area)];
+        QString &next = nextInArea[int(toolbar->getDockArea())];
         data.toolbar_successors[i] = next;
         next = toolbars[i];
     }
@@ -666,7 +654,7 @@ void MenuDataContainer::createMainMenu(const QString &name)
         QAction *action = win->insertSubMenu(popup);
         action->setVisible(popup->hasValidEntry());
     }
-    createToolBarWidgets(data.toolbars, data.toolbar_successors);
+    ToolBarContainer::createWidgets(data.toolbars, data.toolbar_successors);
     if (data.default_layout.isEmpty())
         data.default_layout = win->saveStateToString();
     restoreLayout(name);

@@ -5,6 +5,8 @@
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
 #include "gapp_safemode.h"
+#include "gapp_toolbar_data.h"
+#include "gapp_toolbar_file.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_profile.h"
@@ -155,6 +157,7 @@ CfgNode *InitLibrary()
 
     // The shortcut and toolbar user-file objects are created here; they
     // register themselves with the resource container.
+    new ToolBarFile;
 
     CfgNode *node = new CfgNode(ZalString(ZalInit::getApplicationName()), QStringLiteral("general"), Flags());
     node->addInt(ZalString(CFG_LEVEL_ENTRY), cfgText(QT_TRANSLATE_NOOP("GAPP_cfg", "editing level")), 0, 1, 0, 1,
@@ -231,6 +234,7 @@ void DeleteStaticData()
     GTools::InfoMessageContainer::deleteAllInfoMessages();
     GTools::ErrorMessageContainer::deleteAllErrorMessages();
     MenuDataContainer::deleteAllMenus();
+    ToolBarContainer::deleteAllToolBars();
 }
 
 QString ConfigFile::tempFileName(const QString &fileName)

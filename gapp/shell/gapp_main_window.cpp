@@ -5,11 +5,13 @@
 #include "gapp_menu.h"
 #include "gapp_menu_data.h"
 #include "gapp_safemode.h"
+#include "gapp_toolbar_data.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_file.h"
 #include "zal_cfg_profile.h"
 #include "zal_dialogs.h"
+#include "zal_errorlog.h"
 #include "zal_exception.h"
 #include "zal_get_selection.h"
 #include "zal_icon.h"
@@ -115,6 +117,11 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
                 ResourceContainer::setSystemLevelSkippedForResources(skipped->getValues());
         }
         ResourceContainer::update();
+        {
+            // The defaults of the layout file stay where a user file fails.
+            ErrorLog dropped;
+            ToolBarContainer::load(&dropped);
+        }
     } catch (...) {
         // The window is not usable; leave no half-registered main window behind.
         // The host keeps ownership of what it passed in when construction fails.
@@ -178,6 +185,7 @@ MainWindow::~MainWindow()
         delete menu;
     _menus.clear();
     menuBar()->clear();
+    ToolBarContainer::deleteWidgets({});
     delete smgr;
     smgr = nullptr;
     delete cfg;
@@ -223,6 +231,7 @@ void MainWindow::readLayout()
     _layout_file_name = file.fileName();
     // The toolbar, menu, view and shortcut definitions read their sections
     // from the document, in that order.
+    ToolBarContainer::loadInitialDefault(&doc);
     MenuDataContainer::loadMenus(&doc);
 }
 
@@ -276,12 +285,11 @@ QAction *MainWindow::insertSubMenu(Menu *menu)
     return action;
 }
 
-void MainWindow::clearMenuAndToolBar(const std::vector<QString> &)
+void MainWindow::clearMenuAndToolBar(const std::vector<QString> &kept_toolbars)
 {
     menuBar()->clear();
     _menus.clear();
-    // The toolbar definitions destroy here the widgets of the toolbars that
-    // are not kept.
+    ToolBarContainer::deleteWidgets(kept_toolbars);
 }
 
 QMenu *MainWindow::createPopupMenu()
