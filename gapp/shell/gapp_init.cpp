@@ -7,6 +7,8 @@
 #include "gapp_safemode.h"
 #include "gapp_toolbar_data.h"
 #include "gapp_toolbar_file.h"
+#include "gapp_vcontainer.h"
+#include "gapp_view_widget.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_profile.h"
@@ -230,11 +232,13 @@ CfgNode *InitLibrary()
 
 void DeleteStaticData()
 {
+    ViewWidgetContainer::deleteAllCreators();
     CommandContainer::deleteAllCommands();
     GTools::InfoMessageContainer::deleteAllInfoMessages();
     GTools::ErrorMessageContainer::deleteAllErrorMessages();
     MenuDataContainer::deleteAllMenus();
     ToolBarContainer::deleteAllToolBars();
+    ViewContainer::deleteAllViews();
 }
 
 QString ConfigFile::tempFileName(const QString &fileName)

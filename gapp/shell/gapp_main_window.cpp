@@ -1,11 +1,14 @@
 #include "gapp_main_window.h"
 #include "gapp_ccontainer.h"
+#include "gapp_container_widget.h"
 #include "gapp_init.h"
 #include "gapp_main_area.h"
 #include "gapp_menu.h"
 #include "gapp_menu_data.h"
 #include "gapp_safemode.h"
 #include "gapp_toolbar_data.h"
+#include "gapp_vcontainer.h"
+#include "gapp_view_widget.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_file.h"
@@ -181,6 +184,7 @@ MainWindow::~MainWindow()
     _message_timer = nullptr;
     if (cfg)
         saveConfiguration();
+    ViewContainer::hideView();
     for (Menu *menu : _menus)
         delete menu;
     _menus.clear();
@@ -233,6 +237,7 @@ void MainWindow::readLayout()
     // from the document, in that order.
     ToolBarContainer::loadInitialDefault(&doc);
     MenuDataContainer::loadMenus(&doc);
+    ViewContainer::loadAllViews(&doc);
 }
 
 void MainWindow::setCaption(const QString &caption)
@@ -337,6 +342,7 @@ void MainWindow::exitProgram()
 {
     _exiting = true;
     lockDrawing();
+    ViewContainer::hideView();
     if (smgr)
         smgr->callExitProgram();
     QCoreApplication::quit();
@@ -427,9 +433,15 @@ void MainWindow::updateStatusInfo()
     _status_timer->start(1000);
 }
 
-void MainWindow::activeViewChanged(QWidget *)
+void MainWindow::activeViewChanged(QWidget *widget)
 {
-    // The view widget registry learns of the active view here once it exists.
+    // A container stands for the inner widget it shows.
+    if (auto *container = qobject_cast<ContainerWidget *>(widget)) {
+        if (QWidget *inner = container->getCurrentWidget())
+            widget = inner;
+    }
+    if (widget)
+        ViewWidgetContainer::setActiveView(widget->objectName(), true);
 }
 
 void MainWindow::viewVisibilityChanged(QWidget *)

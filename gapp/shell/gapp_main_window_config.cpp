@@ -3,6 +3,7 @@
 #include "gapp_init.h"
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
+#include "gapp_vcontainer.h"
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_cfg_file.h"
@@ -43,6 +44,7 @@ bool MainWindow::loadConfiguration()
     if (CfgList *language = cfg->getList(ZalString(CfgKeys::LANGUAGE)))
         language->setValue(Translator::getLanguage());
     MenuDataContainer::loadConfig();
+    ViewContainer::loadConfig();
     return loaded;
 }
 
@@ -51,6 +53,7 @@ bool MainWindow::saveConfiguration()
     emit saveConfigSignal();
     GTools::InfoMessageContainer::writeInfoStatus(cfg);
     MenuDataContainer::saveConfig();
+    ViewContainer::saveConfig();
     const QString fileName =
         _config_file_name.isEmpty() ? Cfg::UserFile::getSaveFileName(configBaseName()) : _config_file_name;
     const bool saved = ConfigFile::save(cfg, fileName);

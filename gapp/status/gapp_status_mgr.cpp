@@ -3,6 +3,7 @@
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
 #include "gapp_menu_provider.h"
+#include "gapp_vcontainer.h"
 #include "zal_errorlog.h"
 #include "zal_exception.h"
 #include "zal_gtools_flags.h"
@@ -20,10 +21,11 @@ void activateDefaultShortcuts()
 {
 }
 
-// Where the view definitions join a mode change: the mode's standard view is
-// shown.
-void showStandardView(const QString &)
+// The mode's standard view is shown; without a window there is no main area.
+void showStandardView(const QString &view)
 {
+    if (MainWindow::main_win)
+        ViewContainer::setView(view);
 }
 
 // The mode's main menu is built; without a window there is no menu bar.
