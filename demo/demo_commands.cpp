@@ -1,11 +1,17 @@
 #include "demo_commands.h"
 #include "demo_document.h"
 #include "demo_recent.h"
+#include "gapp_ccontainer.h"
 #include "gapp_main_window.h"
+#include "gapp_tb_group.h"
+#include "gapp_tb_widget_manager.h"
 #include "zal_errorlog.h"
 #include "zal_parse.h"
 #include "zal_variant.h"
 #include <QFileInfo>
+#include <QLabel>
+#include <QToolBar>
+#include <QToolButton>
 #include <QVector3D>
 #include <cmath>
 
@@ -285,10 +291,60 @@ public:
     }
 };
 
+// The mode command's toolbar widgets: the point count and the way to the
+// inspection while measuring, the way back while inspecting. The toolbar
+// that holds them stands in both main menus, so it survives the switch that
+// a click on its buttons starts.
+class ModePanel : public ToolBarWidgetManager
+{
+public:
+    ModePanel(Command *command, QToolBar *toolbar) : ToolBarWidgetManager(command, toolbar, 2)
+    {
+        addSeparator(-1);
+        _points = new QLabel;
+        addWidget(_points, 0);
+        QToolButton *inspect =
+            addToolButton(QStringLiteral("act_inspect"), QStringLiteral("Switch to inspection"), false, 0);
+        QToolButton *measure =
+            addToolButton(QStringLiteral("act_measure"), QStringLiteral("Back to measurement"), false, 1);
+        connect(inspect, &QToolButton::clicked, this, [this] { switchTo("inspect"); });
+        connect(measure, &QToolButton::clicked, this, [this] { switchTo("measure"); });
+        updateSensitivity();
+    }
+    void updateSensitivity() override
+    {
+        switchMode(inMode("inspect") ? 1 : 0);
+        setToolBarEnabled(isCommandExecutionAllowed());
+        dataChanged();
+    }
+    void saveConfig() override {}
+    void selectionChanged() override {}
+    void dataChanged() override { _points->setText(QStringLiteral(" %1 points ").arg(doc().points().size())); }
+
+private:
+    void switchTo(const char *mode)
+    {
+        AppStatusManager *smgr = MainWindow::smgr;
+        // In a select-command mode the click only selects the command.
+        if (!smgr || MainWindow::main_win->getSelectCommandMode() != Command::SELECT_NONE
+            || !isCommandExecutionAllowed())
+            return;
+        beginCommandExecution();
+        if (!isCommandExecuting())
+            return;
+        smgr->setAppMode(smgr->getUniqueId(QString::fromLatin1(mode)));
+        endCommandExecution();
+        updateSensitivity();
+    }
+
+    QLabel *_points;
+};
+
 class ModeCommand : public DemoCommand
 {
 public:
     ModeCommand() : DemoCommand("sys.set_mode", "Switch &mode", nullptr) {}
+    void createToolBarWidget(QToolBar *toolbar, bool) override { new ModePanel(this, toolbar); }
     QString getParameterString() override { return Parse::createString(QStringLiteral("mode"), _mode); }
     bool parseParameterString(const QString &params, bool, QString *code, ErrorLog *log) override
     {
@@ -318,6 +374,19 @@ private:
     QString _mode;
 };
 
+// Group buttons: three probing tools, the display toggles, and the history
+// shown as a combo box.
+void createToolBarGroups()
+{
+    const auto cmd = [](const char *name) { return CommandContainer::getCommand(QString::fromLatin1(name)); };
+    auto *tools = new ToolBarGroupCommand(false, QStringLiteral("grp.probe_tools"), QStringLiteral("Probe tools"));
+    tools->setCommands(cmd("meas.distance"), cmd("meas.point_count"), cmd("insp.tolerance_check"));
+    auto *display = new ToolBarGroupCommand(true, QStringLiteral("grp.display"), QStringLiteral("Display"));
+    display->setCommands(cmd("view.toggle_grid"), cmd("macro.toggle_recording"));
+    auto *history = new ToolBarGroupCommand(false, QStringLiteral("grp.history"), QStringLiteral("History"));
+    history->setCommands(cmd("sys.undo"), cmd("sys.redo"));
+}
+
 } // namespace
 
 void createCommands()
@@ -333,6 +402,7 @@ void createCommands()
     new GridCommand;
     new RecordingCommand;
     new ModeCommand;
+    createToolBarGroups();
 }
 
 } // namespace Demo

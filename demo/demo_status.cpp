@@ -4,7 +4,10 @@
 
 namespace Demo {
 
-DemoStatus::DemoStatus(unsigned int mode, const QString &name) : StatusData(mode, QString()), _name(name) {}
+DemoStatus::DemoStatus(unsigned int mode, const QString &name)
+    : StatusData(mode, name + QStringLiteral("_view")), _name(name)
+{
+}
 
 bool DemoStatus::isEmpty()
 {

@@ -1,6 +1,7 @@
 #include "demo_views.h"
 #include "demo_document.h"
 #include "gapp_main_window.h"
+#include <QApplication>
 #include <QPainter>
 #include <algorithm>
 
@@ -75,18 +76,96 @@ void ElementList::refill()
                     .arg(double(p.y()), 8, 'f', 3).arg(double(p.z()), 8, 'f', 3));
 }
 
+namespace {
+// The log outlives its page: a view switch deletes and re-creates the widget.
+QStringList &logLines()
+{
+    static QStringList lines;
+    return lines;
+}
+} // namespace
+
 LogView::LogView(QWidget *parent) : QPlainTextEdit(parent)
 {
     setObjectName(QStringLiteral("log"));
     setReadOnly(true);
-    if (auto *w = Zal::GApp::MainWindow::main_win) {
-        connect(w, &Zal::GApp::MainWindow::menuCommandFinishedSignal, this,
-                [this](const QString &name) { appendPlainText(tr("ran %1").arg(name)); });
-        connect(w, &Zal::GApp::MainWindow::recordMacroSignal, this,
-                [this](const QString &name, const QString &params) {
-                    appendPlainText(tr("recorded %1 %2").arg(name, params));
-                });
+    for (const QString &line : logLines())
+        appendPlainText(line);
+}
+
+void LogView::attach(Zal::GApp::MainWindow *window)
+{
+    auto add = [](const QString &line) {
+        logLines().append(line);
+        for (QWidget *w : QApplication::allWidgets())
+            if (auto *log = qobject_cast<LogView *>(w))
+                log->appendPlainText(line);
+    };
+    QObject::connect(window, &Zal::GApp::MainWindow::menuCommandFinishedSignal, window,
+                     [add](const QString &name) { add(QObject::tr("ran %1").arg(name)); });
+    QObject::connect(window, &Zal::GApp::MainWindow::recordMacroSignal, window,
+                     [add](const QString &name, const QString &params) {
+                         add(QObject::tr("recorded %1 %2").arg(name, params));
+                     });
+}
+
+} // namespace Demo
+
+#include "gapp_container_widget.h"
+#include "gapp_view_widget.h"
+#include <QTableWidget>
+#include <functional>
+
+namespace Demo {
+
+namespace {
+
+class ViewCreator : public Zal::GApp::ViewWidgetCreator
+{
+public:
+    ViewCreator(const QString &name, const QString &title, const char *icon,
+                std::function<QWidget *(QWidget *)> make)
+        : ViewWidgetCreator(name, title, icon), _make(std::move(make))
+    {
     }
+    QWidget *createWidget(QWidget *parent) override { return _make(parent); }
+
+private:
+    std::function<QWidget *(QWidget *)> _make;
+};
+
+// The point editor: one row per point, kept in step with the document.
+QWidget *makePointEditor(QWidget *parent)
+{
+    auto *table = new QTableWidget(0, 3, parent);
+    table->setHorizontalHeaderLabels({QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("z")});
+    auto refill = [table] {
+        const auto &points = Document::instance().points();
+        table->setRowCount(int(points.size()));
+        for (int i = 0; i < int(points.size()); ++i)
+            for (int c = 0; c < 3; ++c)
+                table->setItem(i, c, new QTableWidgetItem(QString::number(double(points[size_t(i)][c]))));
+    };
+    QObject::connect(&Document::instance(), &Document::changed, table, refill);
+    refill();
+    return table;
+}
+
+} // namespace
+
+void registerViews()
+{
+    new ViewCreator(QStringLiteral("view3d"), QObject::tr("3-D view"), "act_measure",
+                    [](QWidget *p) { return new PointView(p); });
+    new ViewCreator(QStringLiteral("elements"), QObject::tr("Elements"), "act_inspect",
+                    [](QWidget *p) { return new ElementList(p); });
+    new ViewCreator(QStringLiteral("log"), QObject::tr("Log"), nullptr,
+                    [](QWidget *p) { return new LogView(p); });
+    new ViewCreator(QStringLiteral("editor_points"), QObject::tr("Point editor"), nullptr, makePointEditor);
+    new ViewCreator(QStringLiteral("editor_notes"), QObject::tr("Notes"), nullptr,
+                    [](QWidget *p) { return new QPlainTextEdit(p); });
+    new Zal::GApp::ContainerWidgetCreator(QStringLiteral("editors"), QObject::tr("Editors"), nullptr,
+                                          {QStringLiteral("editor_points"), QStringLiteral("editor_notes")});
 }
 
 } // namespace Demo

@@ -5,6 +5,10 @@
 #include <QPlainTextEdit>
 #include <QWidget>
 
+namespace Zal::GApp {
+class MainWindow;
+}
+
 namespace Demo {
 
 // Draws the points in an isometric projection, with an optional grid.
@@ -30,12 +34,20 @@ private:
     void refill();
 };
 
-// Every command that ran, with its result.
+// Every command that ran from the GUI and every recorded macro line.
 class LogView : public QPlainTextEdit
 {
     Q_OBJECT
 public:
     explicit LogView(QWidget *parent = nullptr);
+    // Starts logging what the main window reports.
+    static void attach(Zal::GApp::MainWindow *window);
 };
 
+} // namespace Demo
+
+namespace Demo {
+// Registers the demo's view widgets and the editors container with the
+// library; the library deletes the creators at shut-down.
+void registerViews();
 } // namespace Demo

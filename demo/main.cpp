@@ -83,24 +83,6 @@ private:
     bool _done = false;
 };
 
-// Until view definitions are read from the layout file, the demo arranges
-// its three views by hand: the 3-D view, the element list to its right and
-// the log below it.
-void arrangeViews()
-{
-    MainArea::Area *area = MainWindow::main_area;
-    auto *view = new Demo::PointView;
-    auto *list = new Demo::ElementList;
-    auto *log = new Demo::LogView;
-    MainArea::Layout layout(area);
-    layout.addWidget(view, GIcon::Cache::getIconSet("act_measure", 0), QObject::tr("3-D view"), nullptr,
-                     MainArea::Area::Center, MainArea::Area::Percent, 0);
-    layout.addWidget(list, GIcon::Cache::getIconSet("act_inspect", 0), QObject::tr("Elements"), view,
-                     MainArea::Area::Right, MainArea::Area::Percent, 70);
-    layout.addWidget(log, QIcon(), QObject::tr("Log"), view, MainArea::Area::Bottom, MainArea::Area::Percent, 75);
-    area->addWidgets(&layout);
-}
-
 QStringList menuTitles(MainWindow *window)
 {
     QStringList titles;
@@ -195,6 +177,7 @@ int main(int argc, char **argv)
         QStringList args = app.arguments();
         static Demo::RecordManager records;
         Demo::createCommands();
+        Demo::registerViews();
 
         auto *smgr = new AppStatusManager;
         for (const char *name : {"measure", "inspect"}) {
@@ -204,7 +187,7 @@ int main(int argc, char **argv)
         smgr->registerSpecialMenuProvider(QString::fromLatin1(MenuData::RECENT_FILES),
                                           Demo::RecentFilesProvider::instance());
         auto *window = new MainWindow("Zal Demo", smgr, cfg, args);
-        arrangeViews();
+        Demo::LogView::attach(window);
         QObject::connect(&Demo::Document::instance(), &Demo::Document::changed, window,
                          [window] { window->updateSensitivity(); });
         smgr->setAppMode(smgr->getUniqueId(QStringLiteral("measure")));
