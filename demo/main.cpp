@@ -18,6 +18,9 @@
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
 #include "gapp_status_mgr.h"
+#include "gapp_toolbar_data.h"
+#include "gapp_vcontainer.h"
+#include "gapp_view_widget.h"
 #include "zal_dialogs.h"
 #include "zal_cfg_profile.h"
 #include "zal_errorlog.h"
@@ -145,6 +148,37 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     check(grid->isChecked(),
           QStringLiteral("the grid toggle shows its state"));
     check(!window->isRecording(), QStringLiteral("macro recording is off again"));
+
+    // A template shows some of its view's widgets: the very same objects.
+    QWidget *view3d = ViewWidgetContainer::getWidget(QStringLiteral("view3d"));
+    ViewContainer::setView(QStringLiteral("measure_3d"));
+    check(ViewWidgetContainer::getWidget(QStringLiteral("view3d")) == view3d && view3d->isVisible()
+              && !ViewWidgetContainer::getWidget(QStringLiteral("elements"))->isVisible(),
+          QStringLiteral("template measure_3d keeps the 3-D view widget and hides the list"));
+    ViewContainer::setView(QStringLiteral("measure_view"));
+    check(ViewWidgetContainer::getWidget(QStringLiteral("view3d")) == view3d
+              && ViewContainer::getActualView() == QStringLiteral("measure_view"),
+          QStringLiteral("back to measure_view with the same widgets"));
+
+    // The user's own entry on the custom toolbar survives a save and a reload.
+    ToolBarData *custom = ToolBarContainer::getCustomToolBar();
+    std::vector<ToolBarData::ToolBarItem> items = custom->getItems();
+    ToolBarData::ToolBarItem mine;
+    mine.kind = ToolBarData::ToolBarItem::COMMAND;
+    mine.level = 2;
+    mine.command = QStringLiteral("meas.distance");
+    items.push_back(mine);
+    custom->setCommands(items);
+    ErrorLog toolbarLog;
+    const bool toolbarSaved = ToolBarContainer::save(&toolbarLog);
+    custom->setCommands(custom->getDefaultItems());
+    const bool toolbarLoaded = ToolBarContainer::load(&toolbarLog);
+    QStringList entries;
+    for (const auto &item : custom->getItems())
+        entries << item.command;
+    check(toolbarSaved && toolbarLoaded
+              && entries == QStringList({QStringLiteral("meas.point_count"), QStringLiteral("meas.distance")}),
+          QStringLiteral("custom toolbar read back: ") + entries.join(QLatin1Char(' ')) + toolbarLog.getText());
 
     QCoreApplication::processEvents();
     const bool saved = window->grab().save(screenshot);
