@@ -1,4 +1,5 @@
 #include "zal_dialogs.h"
+#include "zal_semimodal_dialog.h"
 #include "zal_translate.h"
 #include <QApplication>
 #include <QMessageBox>
@@ -113,6 +114,8 @@ QWidget *getParentWidget()
 {
     if (QWidget *modal = QApplication::activeModalWidget())
         return modal;
+    if (QWidget *semiModal = SemiModalDialog::current())
+        return semiModal;
     return main_widget;
 }
 

@@ -66,7 +66,7 @@ private:
 // The application's main widget, the parent of dialogs; set by the main window.
 GAPP_EXPORT extern QWidget *main_widget;
 // The widget that dialogs should be parented to now: the active modal widget
-// if there is one, else the main widget.
+// if there is one, else the shown semi-modal dialog, else the main widget.
 GAPP_EXPORT QWidget *getParentWidget();
 
 // An error with its code; the registered message of the code comes first,

@@ -1,6 +1,7 @@
 #include "gapp_ccontainer.h"
 #include "gapp_command.h"
 #include "gapp_main_window.h"
+#include "gapp_shortcut.h"
 #include "zal_cfg_profile.h"
 #include "zal_errorlog.h"
 #include "zal_exception.h"
@@ -20,8 +21,16 @@ namespace {
 
 // Where the shortcut maps join: the key of the command in the override map,
 // else in the active map, else none.
-QKeySequence shortcutForCommand(const QString &)
+QKeySequence shortcutForCommand(const QString &name)
 {
+    if (const ShortcutData *map = ShortcutContainer::getOverrideData()) {
+        if (const int key = map->find(name))
+            return QKeySequence(key);
+    }
+    if (const ShortcutData *map = ShortcutContainer::getActiveData()) {
+        if (const int key = map->find(name))
+            return QKeySequence(key);
+    }
     return QKeySequence();
 }
 

@@ -4,7 +4,9 @@
 #include "gapp_safemode.h"
 #include "zal_dialogs.h"
 #include "zal_errorlog.h"
+#include "zal_gui_thread_event.h"
 #include "zal_record_manager.h"
+#include "zal_semimodal_dialog.h"
 #include "zal_translate.h"
 #include "zal_variant.h"
 #include <QCoreApplication>
@@ -109,6 +111,14 @@ void MainWindow::setRecording(bool recording)
 
 void MainWindow::customEvent(QEvent *e)
 {
+    if (e->type() == GUIThreadEvent::eventType()) {
+        static_cast<GUIThreadEvent *>(e)->execute();
+        return;
+    }
+    if (e->type() == GTools::DialogShowEvent::eventType()) {
+        emit dialogShowSignal(static_cast<GTools::DialogShowEvent *>(e)->getDialog());
+        return;
+    }
     if (e->type() != ExecuteCommandEvent::TYPE) {
         QMainWindow::customEvent(e);
         return;

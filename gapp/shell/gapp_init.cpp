@@ -5,6 +5,8 @@
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
 #include "gapp_safemode.h"
+#include "gapp_shortcut.h"
+#include "gapp_shortcut_file.h"
 #include "gapp_toolbar_data.h"
 #include "gapp_toolbar_file.h"
 #include "gapp_vcontainer.h"
@@ -159,6 +161,7 @@ CfgNode *InitLibrary()
 
     // The shortcut and toolbar user-file objects are created here; they
     // register themselves with the resource container.
+    new ShortcutFile;
     new ToolBarFile;
 
     CfgNode *node = new CfgNode(ZalString(ZalInit::getApplicationName()), QStringLiteral("general"), Flags());
@@ -239,6 +242,7 @@ void DeleteStaticData()
     MenuDataContainer::deleteAllMenus();
     ToolBarContainer::deleteAllToolBars();
     ViewContainer::deleteAllViews();
+    ShortcutContainer::deleteAllData();
 }
 
 QString ConfigFile::tempFileName(const QString &fileName)

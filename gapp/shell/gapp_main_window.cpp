@@ -1,11 +1,13 @@
 #include "gapp_main_window.h"
 #include "gapp_ccontainer.h"
 #include "gapp_container_widget.h"
+#include "gapp_event_filter.h"
 #include "gapp_init.h"
 #include "gapp_main_area.h"
 #include "gapp_menu.h"
 #include "gapp_menu_data.h"
 #include "gapp_safemode.h"
+#include "gapp_shortcut.h"
 #include "gapp_toolbar_data.h"
 #include "gapp_vcontainer.h"
 #include "gapp_view_widget.h"
@@ -102,6 +104,7 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
             }
         }
         new GAppGetSelectionInterface;
+        new ShortcutData(QStringLiteral("default"), translate("GAppShortcut", "default map name"));
         readLayout();
         for (int i = 1; i < args.size(); ++i) {
             if (args.at(i) == QLatin1String("-safemode")) {
@@ -122,6 +125,8 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
         ResourceContainer::update();
         {
             // The defaults of the layout file stay where a user file fails.
+            ErrorLog droppedShortcuts;
+            ShortcutContainer::load(&droppedShortcuts);
             ErrorLog dropped;
             ToolBarContainer::load(&dropped);
         }
@@ -129,6 +134,8 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
         // The window is not usable; leave no half-registered main window behind.
         // The host keeps ownership of what it passed in when construction fails.
         delete GetSelectionInterface::getInterface();
+        // A later window creates the map "default" again.
+        ShortcutContainer::deleteData(QStringLiteral("default"));
         main_area = nullptr;
         smgr = nullptr;
         cfg = nullptr;
@@ -170,6 +177,7 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
     connect(_status_timer, &QTimer::timeout, this, &MainWindow::updateStatusInfo);
     updateStatusInfo();
     centerOnScreen();
+    _event_filter = new EventFilter(this);
 }
 
 MainWindow::~MainWindow()
@@ -185,6 +193,10 @@ MainWindow::~MainWindow()
     if (cfg)
         saveConfiguration();
     ViewContainer::hideView();
+    // Later events of this process (and later windows) must not reach a
+    // window that is going away.
+    delete _event_filter;
+    _event_filter = nullptr;
     for (Menu *menu : _menus)
         delete menu;
     _menus.clear();
@@ -238,6 +250,7 @@ void MainWindow::readLayout()
     ToolBarContainer::loadInitialDefault(&doc);
     MenuDataContainer::loadMenus(&doc);
     ViewContainer::loadAllViews(&doc);
+    ShortcutContainer::loadInitialDefault(&doc);
 }
 
 void MainWindow::setCaption(const QString &caption)

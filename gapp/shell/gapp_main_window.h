@@ -10,6 +10,9 @@
 #include <vector>
 
 class QCloseEvent;
+class QDragEnterEvent;
+class QDropEvent;
+class QKeyEvent;
 class QLabel;
 class QMenu;
 class QProgressBar;
@@ -23,7 +26,11 @@ class Variant;
 namespace MainArea {
 class Area;
 }
+namespace GTools {
+class SemiModalDialog;
+}
 namespace GApp {
+class EventFilter;
 class Menu;
 
 // Posted to the main window by command actions and shortcuts so that the
@@ -187,10 +194,29 @@ public:
     // Input is locked while widgets are locked or work runs in the background.
     bool isGUILocked() const { return !_locked_widgets.empty() || _background_active; }
 
+    // GUI lock: while a widget is locked, input reaches only the locked
+    // widgets themselves, the cancel widget and modal dialogs. In pairs.
+    void lockGUI(QWidget *widget);
+    void unlockGUI(QWidget *widget);
+    void setCancelWidget(QWidget *widget);
+    void unsetCancelWidget(QWidget *widget);
+    QWidget *getCancelWidget() const { return _cancel_widget; }
+    // Input flags of a background execution, read by the event filter.
+    void setInputBlocked(bool on) { _input_blocked = on; }
+    bool isInputBlocked() const { return _input_blocked; }
+    void setCancelEnabled(bool on) { _cancel_enabled = on; }
+    bool isCancelEnabled() const { return _cancel_enabled; }
+    void setEscapeSuppressed(bool on) { _escape_suppressed = on; }
+    bool isEscapeSuppressed() const { return _escape_suppressed; }
+    void setAbortRequested(bool on) { _abort_requested = on; }
+    bool isAbortRequested() const { return _abort_requested; }
+
 protected:
     bool event(QEvent *e) override;
     void customEvent(QEvent *e) override;
     void closeEvent(QCloseEvent *e) override;
+    void dragEnterEvent(QDragEnterEvent *e) override;
+    void dropEvent(QDropEvent *e) override;
 
 signals:
     void setMenuSensitiveSignal();
@@ -205,6 +231,7 @@ signals:
     void exitRequestedSignal();
     void menuGroupCmdStartedSignal(Zal::GApp::Command::CmdGroup_t group);
     void menuGroupCmdFinishedSignal(Zal::GApp::Command::CmdGroup_t group);
+    void dialogShowSignal(Zal::GTools::SemiModalDialog *dlg);
 
 private slots:
     void toggleToolBarVisibility(QAction *action);
@@ -215,6 +242,13 @@ private slots:
     void showRestartInformation();
 
 private:
+    friend class EventFilter;
+    // The application event filter's decision: true swallows the event.
+    bool appEventFilter(QObject *receiver, QEvent *event);
+    bool applyLockRule(QObject *receiver, QEvent *event);
+    bool dispatchShortcut(QKeyEvent *key, QWidget *widget);
+    bool isInForeignModalWindow(QObject *receiver) const;
+
     bool executeInternal(Command *cmd, bool nested);
     void showCommandName(Command *cmd);
     void hideCommandName();
@@ -227,8 +261,13 @@ private:
     QString _name;
     std::vector<Menu *> _menus;
     QProgressBar *_progress_bar = nullptr;
+    bool _input_blocked = false;
+    bool _cancel_enabled = false;
+    bool _escape_suppressed = false;
+    bool _abort_requested = false;
     QToolButton *_cancel_button = nullptr;
     std::vector<QWidget *> _locked_widgets;
+    QWidget *_cancel_widget = nullptr;
     bool _background_active = false;
     bool _recording = false;
     Command::SelectCommandMode_t _select_command_mode = Command::SelectCommandMode_t(0);
@@ -248,6 +287,7 @@ private:
     bool _object_selection_3d = false;
     bool _safe_mode = false;
     bool _repaint_signal_needed = false;
+    EventFilter *_event_filter = nullptr;
 };
 
 } // namespace GApp

@@ -3,6 +3,7 @@
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
 #include "gapp_menu_provider.h"
+#include "gapp_shortcut.h"
 #include "gapp_vcontainer.h"
 #include "zal_errorlog.h"
 #include "zal_exception.h"
@@ -19,6 +20,9 @@ namespace {
 // active one.
 void activateDefaultShortcuts()
 {
+    // Without a main window there is no map "default".
+    if (ShortcutContainer::getData(QStringLiteral("default")))
+        ShortcutContainer::setActiveData(QStringLiteral("default"));
 }
 
 // The mode's standard view is shown; without a window there is no main area.

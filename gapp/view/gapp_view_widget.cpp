@@ -1,7 +1,7 @@
 #include "gapp_view_widget.h"
+#include "gapp_event_filter.h"
 #include "gapp_main_area.h"
 #include "gapp_main_window.h"
-#include "gapp_view_widget_p.h"
 #include "zal_errorlog.h"
 #include "zal_exception.h"
 #include "zal_icon.h"
@@ -10,22 +10,6 @@ namespace Zal::GApp {
 
 ViewWidgetContainer::CreatorMap ViewWidgetContainer::_views;
 QString ViewWidgetContainer::_active_view;
-
-namespace Internal {
-
-Q_GLOBAL_STATIC(ViewWidgetTracker, g_tracker)
-
-ViewWidgetTracker *ViewWidgetTracker::instance()
-{
-    return g_tracker();
-}
-
-void ViewWidgetTracker::viewWidgetDestroyed(QObject *object)
-{
-    ViewWidgetContainer::widgetWasDestroyed(object);
-}
-
-} // namespace Internal
 
 // ---------------------------------------------------------------------------
 // ViewWidgetCreator
@@ -149,8 +133,10 @@ QWidget *ViewWidgetContainer::createWidget(QWidget *parent, const QString &name)
     if (MainWindow::debug_views)
         Debug::printTrace(QStringLiteral("Creating view widget '%1' ok").arg(name));
     creator->setWidget(widget);
-    QObject::connect(widget, &QObject::destroyed, Internal::ViewWidgetTracker::instance(),
-                     &Internal::ViewWidgetTracker::viewWidgetDestroyed);
+    // The creator's guard forgets a deleted widget in any case; the event
+    // filter's slot also tells the registry while the main window exists.
+    if (EventFilter *filter = EventFilter::instance())
+        QObject::connect(widget, &QObject::destroyed, filter, &EventFilter::viewWidgetDestroyed);
     return widget;
 }
 

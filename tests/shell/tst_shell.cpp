@@ -1,5 +1,6 @@
 #include "gapp_application.h"
 #include "tst_execute.h"
+#include "tst_event_filter.h"
 #include "gapp_config_keys_p.h"
 #include "gapp_init.h"
 #include "gapp_main_window.h"
@@ -712,8 +713,10 @@ int main(int argc, char **argv)
     Application app(argc, argv);
     TestShell shell;
     TestExecution execution;
+    TestEventFilter filter;
     int failed = QTest::qExec(&shell, argc, argv);
     failed += QTest::qExec(&execution, argc, argv);
+    failed += QTest::qExec(&filter, argc, argv);
     return failed;
 }
 
