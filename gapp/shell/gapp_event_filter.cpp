@@ -163,6 +163,12 @@ EventFilter::~EventFilter()
 
 bool EventFilter::eventFilter(QObject *watched, QEvent *event)
 {
+    // Every event of the process comes here: those that are neither input nor
+    // traced nor a window-state change pass at once (the base filter would
+    // answer false as well).
+    const QEvent::Type type = event->type();
+    if (!MainWindow::debug_events && !isUserInput(type) && type != QEvent::WindowStateChange)
+        return false;
     MainWindow *window = MainWindow::main_win;
     if (window && window->appEventFilter(watched, event))
         return true;
