@@ -17,6 +17,7 @@
 #include "gapp_main_area.h"
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
+#include "gapp_shortcut.h"
 #include "gapp_status_mgr.h"
 #include "gapp_toolbar_data.h"
 #include "gapp_vcontainer.h"
@@ -30,7 +31,11 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QKeyEvent>
+#include <QLabel>
 #include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
 #include <QMenuBar>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -107,6 +112,84 @@ QStringList entriesOf(MainWindow *window, const QString &title)
     return entries;
 }
 
+// A key press as the user's keyboard would send it.
+void pressKey(QWidget *target, int key, Qt::KeyboardModifiers modifiers)
+{
+    QKeyEvent press(QEvent::KeyPress, key, modifiers);
+    QCoreApplication::sendEvent(target, &press);
+    QCoreApplication::sendPostedEvents();
+}
+
+void click(QWidget *target)
+{
+    const QPointF at(target->width() / 2.0, target->height() / 2.0);
+    QMouseEvent press(QEvent::MouseButtonPress, at, target->mapToGlobal(at), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, at, target->mapToGlobal(at), Qt::LeftButton, Qt::NoButton,
+                        Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &press);
+    QCoreApplication::sendEvent(target, &release);
+}
+
+void checkKeysHelpAndLocking(MainWindow *window)
+{
+    // The same key runs different commands in the 3-D view and the list.
+    QStringList ran;
+    auto finished = QObject::connect(window, &MainWindow::menuCommandFinishedSignal,
+                                     [&ran](const QString &name) { ran << name; });
+    QWidget *view3d = ViewWidgetContainer::getWidget(QStringLiteral("view3d"));
+    QWidget *elements = ViewWidgetContainer::getWidget(QStringLiteral("elements"));
+    ViewWidgetContainer::setActiveView(QStringLiteral("view3d"));
+    pressKey(view3d, Qt::Key_D, Qt::ControlModifier);
+    ViewWidgetContainer::setActiveView(QStringLiteral("elements"));
+    pressKey(elements, Qt::Key_D, Qt::ControlModifier);
+    QObject::disconnect(finished);
+    check(ran == QStringList({QStringLiteral("meas.distance"), QStringLiteral("meas.point_count")}),
+          QStringLiteral("Ctrl+D by view: ") + ran.join(QLatin1Char(' ')));
+
+    CommandAction *open = CommandContainer::getCommandAction(QStringLiteral("file.open"));
+    open->updateAction(true);
+    check(open->shortcut() == QKeySequence(QStringLiteral("Ctrl+O")),
+          QStringLiteral("the open action shows its key ") + open->shortcut().toString());
+
+    // The user's own binding is stored as a difference and read back.
+    ShortcutData *map = ShortcutContainer::getData(QStringLiteral("default"));
+    auto bindings = map->getShortcuts();
+    bindings.push_back({QStringLiteral("sys.redo"), ShortcutData::GLOBAL_VIEW,
+                        QKeyCombination(Qt::CTRL, Qt::Key_Y).toCombined()});
+    map->setShortcuts(bindings);
+    ErrorLog log;
+    bool ok = ShortcutContainer::save(&log);
+    map->restoreDefault();
+    const bool goneAfterReset = map->find(QStringLiteral("sys.redo")) != QKeyCombination(Qt::CTRL, Qt::Key_Y).toCombined();
+    ok = ok && goneAfterReset && ShortcutContainer::load(&log);
+    check(ok && map->find(QStringLiteral("sys.redo")) == QKeyCombination(Qt::CTRL, Qt::Key_Y).toCombined(),
+          QStringLiteral("user shortcut Ctrl+Y for sys.redo read back") + log.getText());
+
+    // F1 reaches the help handler with the widget it was pressed in.
+    QWidget *helped = nullptr;
+    auto help = QObject::connect(window, &MainWindow::helpRequestedSignal, [&helped](QWidget *w) { helped = w; });
+    pressKey(elements, Qt::Key_F1, Qt::NoModifier);
+    QObject::disconnect(help);
+    check(helped == elements, QStringLiteral("F1 asks for help on the element list"));
+
+    // While the GUI is locked, clicks elsewhere are swallowed.
+    auto *button = new QPushButton(QStringLiteral("Probe"), window);
+    auto *busy = new QLabel(QStringLiteral("working..."), window);
+    button->setGeometry(10, 10, 80, 24);
+    button->show();
+    int clicks = 0;
+    QObject::connect(button, &QPushButton::clicked, [&clicks] { ++clicks; });
+    window->lockGUI(busy);
+    click(button);
+    const int whileLocked = clicks;
+    window->unlockGUI(busy);
+    click(button);
+    check(whileLocked == 0 && clicks == 1, QStringLiteral("a click during the locked phase is swallowed"));
+    delete button;
+    delete busy;
+}
+
 int runHeadless(MainWindow *window, const QString &screenshot)
 {
     AppStatusManager *smgr = MainWindow::smgr;
@@ -179,6 +262,8 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     check(toolbarSaved && toolbarLoaded
               && entries == QStringList({QStringLiteral("meas.point_count"), QStringLiteral("meas.distance")}),
           QStringLiteral("custom toolbar read back: ") + entries.join(QLatin1Char(' ')) + toolbarLog.getText());
+
+    checkKeysHelpAndLocking(window);
 
     QCoreApplication::processEvents();
     const bool saved = window->grab().save(screenshot);
