@@ -267,6 +267,38 @@
         <source>invalid stage command wt</source>
         <translation type="unfinished" />
     </message>
+    <message>
+        <source>invalid map block version</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>cannot save shortcut data: %1</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>invalid file version</source>
+        <translation>ungültige Dateiversion</translation>
+    </message>
+    <message>
+        <source>invalid map count block version</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>invalid map name block version</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>cannot load shortcut data: %1</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>cannot save toolbars: </source>
+        <translation>Werkzeugleisten können nicht gesichert werden: </translation>
+    </message>
+    <message>
+        <source>cannot load toolbars: </source>
+        <translation>Werkzeugleisten können nicht geladen werden: </translation>
+    </message>
 </context>
 <context>
     <name>GAPP_info</name>
@@ -302,10 +334,28 @@
     </message>
 </context>
 <context>
+    <name>GAppShortcut</name>
+    <message>
+        <source>default map name</source>
+        <translation>Standardbelegung</translation>
+    </message>
+</context>
+<context>
     <name>GAppStatusMgr</name>
     <message>
         <source>(*)</source>
         <translation>(*)</translation>
+    </message>
+</context>
+<context>
+    <name>GApp_Shortcut</name>
+    <message>
+        <source>shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>custom toolbar</source>
+        <translation>Eigene Werkzeugleiste</translation>
     </message>
 </context>
 <context>

@@ -60,6 +60,15 @@ DE = {
     "do not show again": "Nicht mehr anzeigen",
     "command: %1 %2": "Befehl: %1 %2",
     "(*)": "(*)",
+    "cannot save toolbars: ": "Werkzeugleisten können nicht gesichert werden: ",
+    "cannot load toolbars: ": "Werkzeugleisten können nicht geladen werden: ",
+    "invalid file version": "ungültige Dateiversion",
+    "custom toolbar": "Eigene Werkzeugleiste",
+    "shortcuts": "Tastenkürzel",
+    "default map name": "Standardbelegung",
+    "abort computation": "Berechnung abbrechen",
+    "computation aborted": "Berechnung abgebrochen",
+    "aborting computation": "Berechnung wird abgebrochen",
 }
 
 
