@@ -38,17 +38,10 @@ const int KEYS_PER_RUN = 1000;
 const int FLOOD = 1000000;
 const int RUNS = 31;
 
-class BenchCommand : public Command
+class BenchCommand : public Bench::StubCommand
 {
 public:
-    explicit BenchCommand(const QString &name) : Command(true, false, name, name, QString(), nullptr) {}
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override { return true; }
+    explicit BenchCommand(const QString &name) : StubCommand(name) {}
 };
 
 // Counts the posted command events when they arrive and drops them, so

@@ -32,17 +32,10 @@ const int BUTTONS = 20;
 const int SHARED = 10;
 const int RUNS = 41;
 
-class BenchCommand : public Command
+class BenchCommand : public Bench::StubCommand
 {
 public:
-    explicit BenchCommand(const QString &name) : Command(false, false, name, name, QString(), nullptr) {}
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override { return true; }
+    explicit BenchCommand(const QString &name) : StubCommand(name, false) {}
 };
 
 QString commandName(int toolbar, int button)

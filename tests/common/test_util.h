@@ -1,4 +1,5 @@
 #pragma once
+#include "gapp_command.h"
 // Helpers shared by the test suites.
 #include <QDir>
 #include <QFile>
@@ -63,6 +64,29 @@ public:
 
     QTemporaryDir user, shared, software, work;
     QString oldCwd;
+};
+
+// A command that is always sensitive, takes any parameters and counts its
+// menu runs.
+class StubCommand : public Zal::GApp::Command
+{
+public:
+    explicit StubCommand(const QString &name, bool menuFunction = true)
+        : Command(menuFunction, false, name, name, QString(), nullptr)
+    {
+    }
+    bool isChecked() const override { return false; }
+    bool isMenuSensitive() const override { return true; }
+    bool isScriptSensitive() const override { return true; }
+    QString getParameterString() override { return QString(); }
+    bool parseParameterString(const QString &, bool, QString *, Zal::ErrorLog *) override { return true; }
+    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
+    bool executeMenu() override
+    {
+        ++runs;
+        return true;
+    }
+    int runs = 0;
 };
 
 } // namespace TestUtil

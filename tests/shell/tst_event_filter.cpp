@@ -22,19 +22,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class Cmd : public Command
-{
-public:
-    explicit Cmd(const QString &name) : Command(true, false, name, name, QString(), nullptr) {}
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override { ++runs; return true; }
-    int runs = 0;
-};
+using Cmd = TestUtil::StubCommand;
 
 class Creator : public ViewWidgetCreator
 {

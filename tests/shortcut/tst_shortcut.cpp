@@ -19,18 +19,7 @@ using Shortcut = ShortcutData::Shortcut_t;
 
 namespace {
 
-class TestCommand : public Command
-{
-public:
-    explicit TestCommand(const QString &name) : Command(true, false, name, name, QString(), nullptr) {}
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override { return true; }
-};
+using TestCommand = TestUtil::StubCommand;
 
 class Creator : public ViewWidgetCreator
 {
