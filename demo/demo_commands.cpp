@@ -237,7 +237,7 @@ private:
 class ToleranceCommand : public DemoCommand
 {
 public:
-    ToleranceCommand() : DemoCommand("insp.tolerance_check", "&Tolerance check", "act_inspect") {}
+    ToleranceCommand() : DemoCommand("insp.tolerance_check", "&Tolerance check", "act_examine") {}
     bool isMenuSensitive() const override { return inMode("inspect") && !doc().points().empty(); }
     QString getParameterString() override { return Parse::createDouble(QStringLiteral("tol"), _tol); }
     bool parseParameterString(const QString &params, bool, QString *code, ErrorLog *log) override
@@ -304,7 +304,7 @@ public:
         _points = new QLabel;
         addWidget(_points, 0);
         QToolButton *inspect =
-            addToolButton(QStringLiteral("act_inspect"), QStringLiteral("Switch to inspection"), false, 0);
+            addToolButton(QStringLiteral("act_examine"), QStringLiteral("Switch to inspection"), false, 0);
         QToolButton *measure =
             addToolButton(QStringLiteral("act_measure"), QStringLiteral("Back to measurement"), false, 1);
         connect(inspect, &QToolButton::clicked, this, [this] { switchTo("inspect"); });

@@ -157,7 +157,7 @@ void registerViews()
 {
     new ViewCreator(QStringLiteral("view3d"), QObject::tr("3-D view"), "act_measure",
                     [](QWidget *p) { return new PointView(p); });
-    new ViewCreator(QStringLiteral("elements"), QObject::tr("Elements"), "act_inspect",
+    new ViewCreator(QStringLiteral("elements"), QObject::tr("Elements"), "act_examine",
                     [](QWidget *p) { return new ElementList(p); });
     new ViewCreator(QStringLiteral("log"), QObject::tr("Log"), nullptr,
                     [](QWidget *p) { return new LogView(p); });

@@ -60,7 +60,7 @@ ICONS = {
     'act_redo': (union(ring(14, 18, 7, 10), lambda x, y: 20 <= x <= 30 and abs(y - 18) <= (x - 20) / 1.5),
                  (60, 60, 60, 255)),
     'act_measure': (union(lines([(6, 26, 26, 6)], 2), circle(6, 26, 3), circle(26, 6, 3)), (0, 120, 120, 255)),
-    'act_inspect': (union(ring(13, 13, 7, 10), lines([(20, 20, 28, 28)], 2.5)), (90, 50, 140, 255)),
+    'act_examine': (union(ring(13, 13, 7, 10), lines([(20, 20, 28, 28)], 2.5)), (90, 50, 140, 255)),
 }
 
 def main(out):

@@ -311,7 +311,7 @@ private slots:
 
     // The dock side keeps a percentage of the width less the handle, or a
     // number of "X" widths.
-    void sizeSpecifications_data()
+    void dockSizes_data()
     {
         QTest::addColumn<QByteArray>("size");
         QTest::addColumn<int>("percent");
@@ -320,7 +320,7 @@ private slots:
         QTest::newRow("100%") << QByteArray("100%") << 100 << 0;
         QTest::newRow("5c") << QByteArray("5c") << 0 << 5;
     }
-    void sizeSpecifications()
+    void dockSizes()
     {
         QFETCH(QByteArray, size);
         QFETCH(int, percent);
