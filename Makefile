@@ -3,6 +3,7 @@ BUILD      ?= build
 BENCHBUILD ?= build-release
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_ARGS ?=
+MAKEFLAGS  += --no-print-directory
 
 .PHONY: all deps configure build test demo bench clean
 

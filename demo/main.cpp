@@ -13,6 +13,7 @@
 #include "demo_views.h"
 #include "gapp_application.h"
 #include "gapp_ccontainer.h"
+#include "gapp_container_widget.h"
 #include "gapp_init.h"
 #include "gapp_main_area.h"
 #include "gapp_main_window.h"
@@ -242,6 +243,18 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     check(ViewWidgetContainer::getWidget(QStringLiteral("view3d")) == view3d
               && ViewContainer::getActualView() == QStringLiteral("measure_view"),
           QStringLiteral("back to measure_view with the same widgets"));
+
+    // The editors container shows one editor at a time; the shown one is the active view.
+    auto *editors = qobject_cast<ContainerWidget *>(ViewWidgetContainer::getWidget(QStringLiteral("editors")));
+    bool switched = false;
+    if (editors) {
+        editors->showWidget(1);
+        QWidget *notes = editors->getCurrentWidget();
+        editors->showWidget(0);
+        switched = notes && notes->objectName() != editors->getCurrentWidget()->objectName()
+                   && notes == editors->getWidget(1);
+    }
+    check(switched, QStringLiteral("the editors container switches between its two editors"));
 
     // The user's own entry on the custom toolbar survives a save and a reload.
     ToolBarData *custom = ToolBarContainer::getCustomToolBar();
