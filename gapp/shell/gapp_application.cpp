@@ -89,11 +89,9 @@ Application::SessionAnswer_t Application::logOffAnswer(bool allowsInteraction)
         return SESSION_CANCEL;
 
     bool unsaved = false;
-    for (unsigned int mode : smgr->getAppModes()) {
-        StatusData *status = smgr->getStatus(mode);
-        for (const QString &name : status->getAllData())
-            unsaved = status->isDataModified(name) || unsaved;
-    }
+    for (unsigned int mode : smgr->getAppModes())
+        for (const QString &name : smgr->getAllData(mode))
+            unsaved = smgr->isDataModified(mode, name) || unsaved;
     if (!unsaved) {
         smgr->callCommitData();
         return SESSION_LEAVE_ALONE;

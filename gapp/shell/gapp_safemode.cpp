@@ -80,8 +80,7 @@ std::vector<QString> GAppGetSelectionInterface::getSelectedData(const char *type
 {
     if (!MainWindow::smgr)
         return {};
-    AppStatusManager *smgr = MainWindow::smgr;
-    return smgr->getStatus(smgr->getAppMode())->getSelectedData(typeName);
+    return MainWindow::smgr->getSelectedData(typeName);
 }
 
 } // namespace GApp

@@ -85,6 +85,33 @@ StatusData *AppStatusManager::getStatus(unsigned int mode) const
     return it->second;
 }
 
+namespace {
+// The status data of a mode, for an operation that names itself in the error.
+StatusData *statusOf(const std::map<unsigned int, StatusData *> &data, unsigned int mode, const char *function)
+{
+    const auto it = data.find(mode);
+    if (it == data.end())
+        throw ZAL_PROG_ERROR(function, QStringLiteral("invalid application type"));
+    return it->second;
+}
+} // namespace
+
+std::vector<QString> AppStatusManager::getSelectedData(const char *selection)
+{
+    return statusOf(_status_data, _app_mode, "Zal::GApp::AppStatusManager::getSelectedData")
+        ->getSelectedData(selection);
+}
+
+std::vector<QString> AppStatusManager::getAllData(unsigned int mode)
+{
+    return statusOf(_status_data, mode, "Zal::GApp::AppStatusManager::getAllData")->getAllData();
+}
+
+bool AppStatusManager::isDataModified(unsigned int mode, const QString &name) const
+{
+    return statusOf(_status_data, mode, "Zal::GApp::AppStatusManager::isDataModified")->isDataModified(name);
+}
+
 std::vector<unsigned int> AppStatusManager::getAppModes() const
 {
     std::vector<unsigned int> modes;

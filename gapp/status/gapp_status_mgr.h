@@ -98,6 +98,11 @@ public:
     void callExitProgram();
     void callCommitData();
 
+    // Data questions: the active type's selection, or a given type's data.
+    std::vector<QString> getSelectedData(const char *selection);
+    std::vector<QString> getAllData(unsigned int mode);
+    bool isDataModified(unsigned int mode, const QString &name) const;
+
 signals:
     void selectionPreChangedSignal(uint app, Zal::GApp::SelectionMode_t mode);
     void selectionChangedSignal(uint app, Zal::GApp::SelectionMode_t mode);

@@ -10,6 +10,7 @@
 #include "zal_cfg.h"
 #include "zal_cfg_array.h"
 #include "zal_dialogs.h"
+#include "zal_get_selection.h"
 #include "zal_os.h"
 #include "zal_services.h"
 #include "zal_translate.h"
@@ -675,6 +676,29 @@ private slots:
         }
         if (saver)
             QTEST(saver->saves, "saves");
+    }
+
+    void parserSelectionComesFromTheActiveType()
+    {
+        QStringList args{"prog"};
+        openWindow(args);
+        int commits = 0;
+        // The manager starts in mode 0, which this type is.
+        auto *status = new FakeStatus(0, &commits);
+        status->data = {"plane 1", "circle 2"};
+        MainWindow::smgr->setStatusData(0, status);
+        GetSelectionInterface *parser = GetSelectionInterface::getInterface();
+        QVERIFY(parser);
+        QCOMPARE(parser->getSelectedData("elements"), std::vector<QString>({"plane 1", "circle 2"}));
+        try {
+            MainWindow::smgr->getAllData(7);
+            QFAIL("no exception");
+        } catch (const ProgError &e) {
+            QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::AppStatusManager::getAllData"));
+            QCOMPARE(e.getMessage(), QStringLiteral("invalid application type"));
+        }
+        delete MainWindow::main_win;
+        QVERIFY(!GetSelectionInterface::getInterface());
     }
 
     void logOffRefusedWhileBusyOrObjected()
