@@ -322,8 +322,6 @@ int main(int argc, char **argv)
         Demo::LogView::attach(window);
         QObject::connect(&Demo::Document::instance(), &Demo::Document::changed, window,
                          [window] { window->updateSensitivity(); });
-        smgr->setAppMode(smgr->getUniqueId(QStringLiteral("measure")));
-
         // Without a person in front of it, dialogs are printed and answered.
         if (headless || firstFrame) {
             GTools::DialogSeam::setHandler([](const GTools::DialogRequest &r) {
@@ -331,20 +329,20 @@ int main(int argc, char **argv)
                 return 0;
             });
         }
+        FirstFrameProbe probe(clock);
+        if (firstFrame)
+            window->installEventFilter(&probe);
+        // Shown before the first mode: a view's first stored arrangement then
+        // holds the sizes the window really gives it.
+        window->show();
+        smgr->setAppMode(smgr->getUniqueId(QStringLiteral("measure")));
         window->checkConfiguration();
 
         int status = 0;
-        if (firstFrame) {
-            FirstFrameProbe probe(clock);
-            window->installEventFilter(&probe);
-            window->show();
-            status = app.exec();
-        } else if (headless) {
-            window->show();
+        if (headless && !firstFrame) {
             status = runHeadless(window, argValue(args, QStringLiteral("-screenshot"), QStringLiteral("zal-demo.png")));
             std::printf("%s\n", status == 0 ? "demo: all checks passed" : "demo: some checks FAILED");
         } else {
-            window->show();
             status = app.exec();
         }
         delete window;
