@@ -1,6 +1,7 @@
 // Command execution: the script path of the main window against calling the
 // command's own script operation, and the demo's start-up to its first frame.
 #include "bench_util.h"
+#include "test_world.h"
 #include "gapp_application.h"
 #include "gapp_init.h"
 #include "gapp_main_window.h"
@@ -56,15 +57,9 @@ double demoFirstFrameMs(const QString &demo, const QString &demoDir)
 
 int main(int argc, char **argv)
 {
-    QTemporaryDir world;
-    qputenv("ZAL_USER_CONFIG_DIR", world.path().toLocal8Bit());
-    qputenv("ZAL_SOFTWARE_DIR", world.path().toLocal8Bit());
-    QDir(world.path()).mkpath(QStringLiteral("layout"));
-    {
-        QFile layout(world.filePath(QStringLiteral("layout/ZalApplication.xml")));
-        layout.open(QIODevice::WriteOnly);
-        layout.write("<layout/>");
-    }
+    TestUtil::World world;
+    if (!world.isValid())
+        return 1;
     CfgNode *cfg = InitLibrary();
     Application app(argc, argv);
     QStringList args = app.arguments();

@@ -4,6 +4,7 @@
 // building the same QMenu tree by hand with plain Qt, and one switch between
 // two main menus of 20 columns each in a real main window.
 #include "bench_util.h"
+#include "test_world.h"
 #include "gapp_ccontainer.h"
 #include "gapp_command.h"
 #include "gapp_init.h"
@@ -213,19 +214,9 @@ int main(int argc, char **argv)
 
     // Main-menu switching needs the window: a private environment whose
     // layout file holds the same section.
-    QTemporaryDir user, shared, software, work;
-    qputenv("ZAL_USER_CONFIG_DIR", user.path().toLocal8Bit());
-    qputenv("ZAL_SHARED_CONFIG_DIR", shared.path().toLocal8Bit());
-    qputenv("ZAL_SOFTWARE_DIR", software.path().toLocal8Bit());
-    QDir(user.path()).mkpath(QStringLiteral("tmp"));
-    QDir(software.path()).mkpath(QStringLiteral("layout"));
-    QDir(software.path()).mkpath(QStringLiteral("config"));
-    QFile layout(software.filePath(QStringLiteral("layout/") + ZalInit::getApplicationName()
-                                   + QStringLiteral(".xml")));
-    if (!layout.open(QIODevice::WriteOnly) || layout.write(xml) != xml.size())
+    TestUtil::World world(xml);
+    if (!world.isValid())
         return 1;
-    layout.close();
-    QDir::setCurrent(work.path());
 
     QStringList args{QStringLiteral("bench_menus")};
     auto *win = new MainWindow("bench", new AppStatusManager, InitLibrary(), args);

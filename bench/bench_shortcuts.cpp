@@ -11,6 +11,7 @@
 // installed against the same flood with them removed; the two floods
 // alternate and the medians are compared.
 #include "bench_util.h"
+#include "test_world.h"
 #include "gapp_ccontainer.h"
 #include "gapp_command.h"
 #include "gapp_event_filter.h"
@@ -38,7 +39,7 @@ const int KEYS_PER_RUN = 1000;
 const int FLOOD = 1000000;
 const int RUNS = 31;
 
-class BenchCommand : public Bench::StubCommand
+class BenchCommand : public TestUtil::StubCommand
 {
 public:
     explicit BenchCommand(const QString &name) : StubCommand(name) {}
@@ -65,18 +66,9 @@ int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
 
-    QTemporaryDir user, shared, software, work;
-    qputenv("ZAL_USER_CONFIG_DIR", user.path().toLocal8Bit());
-    qputenv("ZAL_SHARED_CONFIG_DIR", shared.path().toLocal8Bit());
-    qputenv("ZAL_SOFTWARE_DIR", software.path().toLocal8Bit());
-    QDir(user.path()).mkpath(QStringLiteral("tmp"));
-    QDir(software.path()).mkpath(QStringLiteral("layout"));
-    QDir(software.path()).mkpath(QStringLiteral("config"));
-    QFile layout(software.filePath(QStringLiteral("layout/") + ZalInit::getApplicationName() + QStringLiteral(".xml")));
-    if (!layout.open(QIODevice::WriteOnly) || layout.write("<layout/>") != 9)
+    TestUtil::World world("<layout/>");
+    if (!world.isValid())
         return 1;
-    layout.close();
-    QDir::setCurrent(work.path());
 
     for (int i = 0; i < COMMANDS; ++i)
         new BenchCommand(QStringLiteral("bench.cmd%1").arg(i));

@@ -5,6 +5,7 @@
 // each switch with the posted work done (layout requests, deferred
 // deletes), as the event loop would do it right after.
 #include "bench_util.h"
+#include "test_world.h"
 #include "gapp_ccontainer.h"
 #include "gapp_command.h"
 #include "gapp_init.h"
@@ -32,7 +33,7 @@ const int BUTTONS = 20;
 const int SHARED = 10;
 const int RUNS = 41;
 
-class BenchCommand : public Bench::StubCommand
+class BenchCommand : public TestUtil::StubCommand
 {
 public:
     explicit BenchCommand(const QString &name) : StubCommand(name, false) {}
@@ -90,19 +91,10 @@ int main(int argc, char **argv)
         for (int b = 0; b < BUTTONS; ++b)
             new BenchCommand(commandName(t, b));
 
-    QTemporaryDir user, shared, software, work;
-    qputenv("ZAL_USER_CONFIG_DIR", user.path().toLocal8Bit());
-    qputenv("ZAL_SHARED_CONFIG_DIR", shared.path().toLocal8Bit());
-    qputenv("ZAL_SOFTWARE_DIR", software.path().toLocal8Bit());
-    QDir(user.path()).mkpath(QStringLiteral("tmp"));
-    QDir(software.path()).mkpath(QStringLiteral("layout"));
-    QDir(software.path()).mkpath(QStringLiteral("config"));
     const QByteArray xml = layoutFile();
-    QFile layout(software.filePath(QStringLiteral("layout/") + ZalInit::getApplicationName() + QStringLiteral(".xml")));
-    if (!layout.open(QIODevice::WriteOnly) || layout.write(xml) != xml.size())
+    TestUtil::World world(xml);
+    if (!world.isValid())
         return 1;
-    layout.close();
-    QDir::setCurrent(work.path());
 
     QStringList args{QStringLiteral("bench_toolbars")};
     auto *win = new MainWindow("bench", new AppStatusManager, InitLibrary(), args);

@@ -1,5 +1,4 @@
 #pragma once
-#include "gapp_command.h"
 // Timing helpers shared by the benchmark programs: medians of repeated runs,
 // and the two output lines the bench runner collects:
 //   BENCH <name> <value> <unit>
@@ -68,28 +67,5 @@ inline void ratio(const char *name, double value)
     std::printf("RATIO %s %.3f\n", name, value);
     std::fflush(stdout);
 }
-
-// A command that is always sensitive, takes any parameters and counts its
-// menu runs.
-class StubCommand : public Zal::GApp::Command
-{
-public:
-    explicit StubCommand(const QString &name, bool menuFunction = true)
-        : Command(menuFunction, false, name, name, QString(), nullptr)
-    {
-    }
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, Zal::ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override
-    {
-        ++runs;
-        return true;
-    }
-    int runs = 0;
-};
 
 } // namespace Bench

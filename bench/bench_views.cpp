@@ -11,6 +11,7 @@
 // deferred first-time work (the tables lay out their items when they first
 // leave a window), so the median gives the usual cost of a switch.
 #include "bench_util.h"
+#include "test_world.h"
 #include "gapp_init.h"
 #include "gapp_main_window.h"
 #include "gapp_status_mgr.h"
@@ -108,18 +109,9 @@ int main(int argc, char **argv)
         xml += "<widget>a" + QByteArray::number(i) + "</widget>";
     xml += "</template>" + viewXml(QStringLiteral("second"), QStringLiteral("b")) + "</viewsection></layout>";
 
-    QTemporaryDir user, shared, software, work;
-    qputenv("ZAL_USER_CONFIG_DIR", user.path().toLocal8Bit());
-    qputenv("ZAL_SHARED_CONFIG_DIR", shared.path().toLocal8Bit());
-    qputenv("ZAL_SOFTWARE_DIR", software.path().toLocal8Bit());
-    QDir(user.path()).mkpath(QStringLiteral("tmp"));
-    QDir(software.path()).mkpath(QStringLiteral("layout"));
-    QDir(software.path()).mkpath(QStringLiteral("config"));
-    QFile layout(software.filePath(QStringLiteral("layout/") + ZalInit::getApplicationName() + QStringLiteral(".xml")));
-    if (!layout.open(QIODevice::WriteOnly) || layout.write(xml) != xml.size())
+    TestUtil::World world(xml);
+    if (!world.isValid())
         return 1;
-    layout.close();
-    QDir::setCurrent(work.path());
 
     for (int i = 0; i < WIDGETS; ++i) {
         new BenchCreator(QStringLiteral("a%1").arg(i));

@@ -1,5 +1,5 @@
 #pragma once
-#include "gapp_command.h"
+#include "test_world.h"
 // Helpers shared by the test suites.
 #include <QDir>
 #include <QFile>
@@ -37,56 +37,14 @@ inline void writeFile(const QString &path, const QByteArray &data)
     f.write(data);
 }
 
-// A private world for one test: user and shared configuration levels, a
-// software directory holding the layout file, and a working directory.
-class Environment
+// The test form of the world: a layout file that cannot be written fails the test.
+class Environment : public World
 {
 public:
-    explicit Environment(const QByteArray &layout = "<layout/>")
+    explicit Environment(const QByteArray &layout = "<layout/>") : World(layout)
     {
-        qputenv("ZAL_USER_CONFIG_DIR", user.path().toLocal8Bit());
-        qputenv("ZAL_SHARED_CONFIG_DIR", shared.path().toLocal8Bit());
-        qputenv("ZAL_SOFTWARE_DIR", software.path().toLocal8Bit());
-        QDir(user.path()).mkpath(QStringLiteral("tmp"));
-        QDir(software.path()).mkpath(QStringLiteral("layout"));
-        QDir(software.path()).mkpath(QStringLiteral("config"));
-        setLayout(layout);
-        oldCwd = QDir::currentPath();
-        QDir::setCurrent(work.path());
+        QVERIFY2(isValid(), "cannot write the layout file");
     }
-    ~Environment() { QDir::setCurrent(oldCwd); }
-
-    void setLayout(const QByteArray &layout)
-    {
-        writeFile(software.filePath(QStringLiteral("layout/") + appName() + QStringLiteral(".xml")), layout);
-    }
-    static QString appName();
-
-    QTemporaryDir user, shared, software, work;
-    QString oldCwd;
-};
-
-// A command that is always sensitive, takes any parameters and counts its
-// menu runs.
-class StubCommand : public Zal::GApp::Command
-{
-public:
-    explicit StubCommand(const QString &name, bool menuFunction = true)
-        : Command(menuFunction, false, name, name, QString(), nullptr)
-    {
-    }
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, Zal::ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override
-    {
-        ++runs;
-        return true;
-    }
-    int runs = 0;
 };
 
 } // namespace TestUtil
