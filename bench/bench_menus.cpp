@@ -36,23 +36,10 @@ const int PARTIALS = 8;
 const int PARTIAL_ENTRIES = 12;
 const int RUNS = 31;
 
-class BenchCommand : public Command
+class BenchCommand : public TestUtil::StubCommand
 {
 public:
-    explicit BenchCommand(const QString &name)
-        : Command(false, false, name, name, QString(), nullptr)
-    {
-    }
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override
-    {
-        return true;
-    }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override { return true; }
+    explicit BenchCommand(const QString &name) : StubCommand(name, false) {}
 };
 
 QString commandName(int group, int index)

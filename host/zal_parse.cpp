@@ -20,6 +20,23 @@ struct Entry
     QString key;
 };
 
+// The character at i when it stands outside quotes, else a null character.
+// Inside quotes a backslash escapes the next character, which is skipped.
+QChar unquoted(const QString &s, qsizetype &i, bool &quoted)
+{
+    const QChar c = s.at(i);
+    if (quoted) {
+        if (c == QLatin1Char('\\'))
+            ++i;
+        else if (c == QLatin1Char('"'))
+            quoted = false;
+        return QChar();
+    }
+    if (c == QLatin1Char('"'))
+        quoted = true;
+    return quoted ? QChar() : c;
+}
+
 // The position of the ']' that closes the '[' at pos, skipping nested
 // vectors and quoted text; -1 when the text ends first.
 qsizetype closingBracket(const QString &s, qsizetype pos)
@@ -28,19 +45,11 @@ qsizetype closingBracket(const QString &s, qsizetype pos)
     int depth = 0;
     bool quoted = false;
     for (; pos < n; ++pos) {
-        const QChar c = s.at(pos);
-        if (quoted) {
-            if (c == QLatin1Char('\\'))
-                ++pos;
-            else if (c == QLatin1Char('"'))
-                quoted = false;
-        } else if (c == QLatin1Char('"')) {
-            quoted = true;
-        } else if (c == QLatin1Char('[')) {
+        const QChar c = unquoted(s, pos, quoted);
+        if (c == QLatin1Char('['))
             ++depth;
-        } else if (c == QLatin1Char(']') && --depth == 0) {
+        else if (c == QLatin1Char(']') && --depth == 0)
             return pos;
-        }
     }
     return -1;
 }
@@ -282,15 +291,8 @@ std::vector<QString> Parse::decomposeVector(const QString &text)
     qsizetype start = 0;
     const qsizetype n = inner.size();
     for (qsizetype i = 0; i < n; ++i) {
-        const QChar c = inner.at(i);
-        if (quoted) {
-            if (c == QLatin1Char('\\'))
-                ++i;
-            else if (c == QLatin1Char('"'))
-                quoted = false;
-        } else if (c == QLatin1Char('"')) {
-            quoted = true;
-        } else if (c == QLatin1Char('[')) {
+        const QChar c = unquoted(inner, i, quoted);
+        if (c == QLatin1Char('[')) {
             ++depth;
         } else if (c == QLatin1Char(']')) {
             depth = qMax(0, depth - 1);

@@ -170,23 +170,10 @@ private:
 class NoProfileMenus : public ProfileMenuProvider
 { std::vector<QString> getProfileNames() const override { return {}; } };
 
-class PlainCommand : public Command
+class PlainCommand : public TestUtil::StubCommand
 {
 public:
-    explicit PlainCommand(const QString &name)
-        : Command(false, false, name, name, QString(), nullptr)
-    {
-    }
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override
-    {
-        return true;
-    }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override { return true; }
+    explicit PlainCommand(const QString &name) : StubCommand(name, false) {}
 };
 
 const Menu *fakeMenu(int i)
