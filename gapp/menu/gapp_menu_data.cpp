@@ -308,6 +308,20 @@ void MenuData::createMenuRecursive(Menu *menu)
 
 // ---- MenuDataContainer: definitions ---------------------------------------------
 
+namespace {
+// The translate section of a column or partial menu; both attributes must be
+// there, the name checked first.
+QString requiredSection(const char *function, const QDomElement &element, const QString &name)
+{
+    const QString section = element.attribute(QStringLiteral("translate_section"));
+    if (name.isEmpty())
+        layoutError(function, QStringLiteral("missing attribute 'name'"));
+    if (section.isEmpty())
+        layoutError(function, QStringLiteral("missing attribute 'translate_section'"));
+    return section;
+}
+} // namespace
+
 void MenuDataContainer::loadMenus(QDomDocument *doc)
 {
     const char *const function = "Zal::GApp::MenuDataContainer::loadMenus";
@@ -333,12 +347,7 @@ void MenuDataContainer::loadMenus(QDomDocument *doc)
             const QString tag = element.tagName();
             if (tag == QLatin1String("menucolumn")) {
                 const QString name = element.attribute(QStringLiteral("name"));
-                const QString translateSection =
-                    element.attribute(QStringLiteral("translate_section"));
-                if (name.isEmpty())
-                    layoutError(function, QStringLiteral("missing attribute 'name'"));
-                if (translateSection.isEmpty())
-                    layoutError(function, QStringLiteral("missing attribute 'translate_section'"));
+                const QString translateSection = requiredSection(function, element, name);
                 auto menu =
                     std::make_unique<MenuData>(ZalString(name), ZalString(translateSection));
                 fillMenuRecursive(menu.get(), element, ZalString(translateSection), QString(),
@@ -347,12 +356,7 @@ void MenuDataContainer::loadMenus(QDomDocument *doc)
                 menu.release();
             } else if (tag == QLatin1String("partial_menu")) {
                 const QString name = element.attribute(QStringLiteral("name"));
-                const QString translateSection =
-                    element.attribute(QStringLiteral("translate_section"));
-                if (name.isEmpty())
-                    layoutError(function, QStringLiteral("missing attribute 'name'"));
-                if (translateSection.isEmpty())
-                    layoutError(function, QStringLiteral("missing attribute 'translate_section'"));
+                const QString translateSection = requiredSection(function, element, name);
                 registerPartialMenuNode(name, element, ZalString(translateSection),
                                         element.attribute(QStringLiteral("prefix")));
             } else if (tag == QLatin1String("menubar")) {

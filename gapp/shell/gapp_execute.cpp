@@ -27,6 +27,22 @@ QString notSensitiveText(const Command *cmd)
     return translate("GAPP_err", "the command is not sensitive: %1").arg(cmd->getName());
 }
 
+// The script-level answer to an insensitive command.
+bool refuseInsensitive(const Command *cmd, QString *errorCode, ErrorLog *log)
+{
+    *errorCode = QStringLiteral("GAPP-0003");
+    *log << notSensitiveText(cmd) << END_LOG;
+    return false;
+}
+
+// The short script forms show what went wrong, except for a user abort.
+bool showScriptFailure(bool ok, const QString &code, const ErrorLog &log)
+{
+    if (!ok && code != QLatin1String(MainWindow::ERROR_USER_ABORT))
+        GTools::ErrorDialog(code, log.getText());
+    return ok;
+}
+
 // Debug traces: names in the local 8-bit encoding, times in Latin-1.
 void trace(const QString &text)
 {
@@ -208,8 +224,7 @@ bool MainWindow::execute(Command *cmd, const QString &params, Variant *result, Q
     resetStatus();
     bool ok = false;
     if (!cmd->isScriptSensitive()) {
-        *errorCode = QStringLiteral("GAPP-0003");
-        *log << notSensitiveText(cmd) << END_LOG;
+        refuseInsensitive(cmd, errorCode, log);
     } else {
         if (_recording && !noRecord)
             emit recordMacroSignal(cmd->getName(), params, false);
@@ -264,10 +279,7 @@ bool MainWindow::execute(Command *cmd, const QString &params, QString *result, b
 {
     QString code;
     ErrorLog log(false);
-    const bool ok = execute(cmd, params, result, &code, &log, noRecord);
-    if (!ok && code != QLatin1String(ERROR_USER_ABORT))
-        GTools::ErrorDialog(code, log.getText());
-    return ok;
+    return showScriptFailure(execute(cmd, params, result, &code, &log, noRecord), code, log);
 }
 
 bool MainWindow::execute(Command *cmd, const QString &params, bool noRecord)
@@ -279,11 +291,8 @@ bool MainWindow::execute(Command *cmd, const QString &params, bool noRecord)
 bool MainWindow::executeInteractive(Command *cmd, const QString &params, QString *result,
                                     QString *errorCode, ErrorLog *log, bool noRecord)
 {
-    if (!cmd->isMenuSensitive()) {
-        *errorCode = QStringLiteral("GAPP-0003");
-        *log << notSensitiveText(cmd) << END_LOG;
-        return false;
-    }
+    if (!cmd->isMenuSensitive())
+        return refuseInsensitive(cmd, errorCode, log);
     const QString preMessage = _pre_message;
     const QString message = _message;
     resetStatus();
@@ -317,10 +326,8 @@ bool MainWindow::executeInteractive(Command *cmd, const QString &params, QString
 {
     QString code;
     ErrorLog log(false);
-    const bool ok = executeInteractive(cmd, params, result, &code, &log, noRecord);
-    if (!ok && code != QLatin1String(ERROR_USER_ABORT))
-        GTools::ErrorDialog(code, log.getText());
-    return ok;
+    return showScriptFailure(executeInteractive(cmd, params, result, &code, &log, noRecord), code,
+                             log);
 }
 
 void MainWindow::addCommandToMacro(Command *cmd, const QString &params)
@@ -338,13 +345,10 @@ void MainWindow::addCommandToMacro(Command *cmd, const QString &params)
 bool MainWindow::beginStageLoopCommand(Command *cmd, QString *errorCode, ErrorLog *log)
 {
     resetStatus();
-    if (cmd->isScriptSensitive()) {
-        showCommandName(cmd);
-        return true;
-    }
-    *errorCode = QStringLiteral("GAPP-0003");
-    *log << notSensitiveText(cmd) << END_LOG;
-    return false;
+    if (!cmd->isScriptSensitive())
+        return refuseInsensitive(cmd, errorCode, log);
+    showCommandName(cmd);
+    return true;
 }
 
 bool MainWindow::parseStageLoopCommand(Command *cmd, const QString &params, const QString &stage,
