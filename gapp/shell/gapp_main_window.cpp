@@ -273,7 +273,13 @@ QString MainWindow::saveStateToString() const
 
 void MainWindow::restoreStateFromString(const QString &state)
 {
-    restoreState(QByteArray::fromBase64(state.toLatin1()), 0);
+    const QByteArray bytes = QByteArray::fromBase64(state.toLatin1());
+    // Restoring lays out every toolbar and dock again; the state the window
+    // is in already (a switch between main menus that nobody rearranged)
+    // costs only the comparison.
+    if (bytes == saveState(0))
+        return;
+    restoreState(bytes, 0);
 }
 
 bool MainWindow::event(QEvent *e)

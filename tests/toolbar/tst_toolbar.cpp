@@ -261,6 +261,33 @@ private slots:
         QCOMPARE(w.widget("X")->actions().size(), 1);
     }
 
+    // The user's arrangement of a main menu's toolbars comes back with the
+    // main menu, and the default layout undoes it.
+    void userArrangementFollowsItsMainMenu()
+    {
+        new TestCommand(u"a.one"_s);
+        Window w("<toolbar name='T1' translate_section='s'><entry>a.one</entry></toolbar>"
+                 "<toolbar name='T2' translate_section='s'><entry>a.one</entry></toolbar>",
+                 "<menubar name='first'><toolbar>T1</toolbar><toolbar>T2</toolbar></menubar>"
+                 "<menubar name='second'><toolbar>T1</toolbar></menubar>");
+        w.win->show();
+        MenuDataContainer::createMainMenu(u"first"_s);
+        MenuDataContainer::createMainMenu(u"second"_s);
+        MenuDataContainer::createMainMenu(u"first"_s);
+        QCOMPARE(w.win->toolBarArea(w.widget("T1")), Qt::TopToolBarArea);
+        w.win->addToolBar(Qt::RightToolBarArea, w.widget("T1"));
+        MenuDataContainer::createMainMenu(u"second"_s);
+        QCOMPARE(w.win->toolBarArea(w.widget("T1")), Qt::TopToolBarArea);
+        MenuDataContainer::createMainMenu(u"first"_s);
+        QCOMPARE(w.win->toolBarArea(w.widget("T1")), Qt::RightToolBarArea);
+        // Unchanged since it was stored: the arrangement stays as it is.
+        MenuDataContainer::createMainMenu(u"first"_s);
+        QCOMPARE(w.win->toolBarArea(w.widget("T1")), Qt::RightToolBarArea);
+        MenuDataContainer::applyDefaultLayout();
+        QCOMPARE(w.win->toolBarArea(w.widget("T1")), Qt::TopToolBarArea);
+        QCOMPARE(w.win->toolBarArea(w.widget("T2")), Qt::TopToolBarArea);
+    }
+
     void profilesAndRebuildInPlace()
     {
         auto *one = new TestCommand(u"a.one"_s);
