@@ -4,8 +4,13 @@
 // the same number of plain QToolBars, built once, by hand. Both sides end
 // each switch with the posted work done (layout requests, deferred
 // deletes), as the event loop would do it right after.
+//
+// Both sides run in the library's application object, as a host does, and
+// so with its widget style. The same run under Qt's default style follows
+// in a child process ("--qt-style"), since a process has one application.
 #include "bench_util.h"
 #include "test_world.h"
+#include "gapp_application.h"
 #include "gapp_ccontainer.h"
 #include "gapp_command.h"
 #include "gapp_init.h"
@@ -18,9 +23,11 @@
 #include <QDir>
 #include <QFile>
 #include <QMainWindow>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QToolBar>
 #include <cstdio>
+#include <memory>
 #include <vector>
 
 using namespace Zal;
@@ -86,7 +93,9 @@ int main(int argc, char **argv)
 {
     // The offscreen platform warns about every window size hint it ignores.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    QApplication app(argc, argv);
+    const bool qtStyle = argc > 1 && qstrcmp(argv[1], "--qt-style") == 0;
+    std::unique_ptr<QApplication> app(qtStyle ? new QApplication(argc, argv) : new Application(argc, argv));
+    const QString suffix = qtStyle ? QStringLiteral("_qt_style") : QString();
     for (int t = 0; t < TOOLBARS; ++t)
         for (int b = 0; b < BUTTONS; ++b)
             new BenchCommand(commandName(t, b));
@@ -153,8 +162,16 @@ int main(int argc, char **argv)
             return 1;
         }
     }
-    Bench::ratio("toolbar_switch", times.first / times.second);
-    Bench::report("toolbar_switch_ms", times.first / 2 / 1e6, "ms");
+    Bench::ratio(("toolbar_switch" + suffix).toUtf8().constData(), times.first / times.second);
+    Bench::report(("toolbar_switch" + suffix + "_ms").toUtf8().constData(), times.first / 2 / 1e6, "ms");
     delete win;
+    if (!qtStyle) {
+        std::fflush(stdout);
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedChannels);
+        child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--qt-style")});
+        if (!child.waitForFinished(-1) || child.exitCode() != 0)
+            return 1;
+    }
     return 0;
 }
