@@ -1,4 +1,5 @@
 #include "gapp_main_area.h"
+#include "gapp_style.h"
 #include "zal_exception.h"
 #include <QApplication>
 #include <QFontMetrics>
@@ -13,13 +14,6 @@
 namespace Zal::MainArea {
 
 namespace {
-
-// The highlight of the active group. The application style will own this
-// colour; until it does, this is the one place that names it.
-QColor focusColor()
-{
-    return QColor(170, 30, 30);
-}
 
 int extent(const QSize &size, Qt::Orientation orientation)
 {
@@ -793,7 +787,7 @@ void TabBar::paintEvent(QPaintEvent *)
         const int x = qMin(r.right(), end - 1);
         const bool isCurrent = i == current;
         const bool highlighted = isCurrent && _active;
-        painter.setPen(highlighted ? focusColor() : dark);
+        painter.setPen(highlighted ? GApp::RynStyle::focus_color : dark);
         if (x > r.left()) {
             painter.drawLine(x, 0, x, r.bottom());
             if (highlighted && i > 0)
@@ -818,7 +812,7 @@ void TabBar::paintEvent(QPaintEvent *)
         if (isCurrent)
             option.state |= QStyle::State_Selected;
         if (highlighted)
-            option.palette.setColor(QPalette::WindowText, focusColor());
+            option.palette.setColor(QPalette::WindowText, GApp::RynStyle::focus_color);
         style()->drawControl(QStyle::CE_TabBarTabLabel, &option, &painter, this);
     }
 }
@@ -977,7 +971,7 @@ void TabWidget::paintEvent(QPaintEvent *)
     painter.setPen(palette().color(QPalette::Dark));
     painter.drawRect(f.adjusted(0, 0, -1, -1));
     if (_active && current >= 0)
-        painter.setPen(focusColor());
+        painter.setPen(GApp::RynStyle::focus_color);
     if (_tab_bar->isHidden()) {
         // Without tabs the whole frame shows the focus.
         painter.drawRect(f.adjusted(0, 0, -1, -1));

@@ -2,6 +2,7 @@
 #include "gapp_main_window.h"
 #include "gapp_safemode.h"
 #include "gapp_status_mgr.h"
+#include "gapp_style.h"
 #include "zal_dialogs.h"
 #include "zal_errorlog.h"
 #include "zal_translate.h"
@@ -46,7 +47,7 @@ public:
 Application::Application(int &argc, char **argv)
     : QApplication(argc, argv), _mouse_buttons(Qt::NoButton)
 {
-    // The application's own widget style is installed here once it exists.
+    QApplication::setStyle(new RynStyle);
     QApplication::setDesktopSettingsAware(false);
     QFont::insertSubstitution(QStringLiteral("Luxi Serif"), QStringLiteral("Times New Roman"));
     QFont::insertSubstitution(QStringLiteral("Luxi Mono"), QStringLiteral("Courier New"));
