@@ -20,6 +20,7 @@
 #include "gapp_menu_data.h"
 #include "gapp_shortcut.h"
 #include "gapp_status_mgr.h"
+#include "gapp_style.h"
 #include "gapp_toolbar_data.h"
 #include "gapp_vcontainer.h"
 #include "gapp_view_widget.h"
@@ -197,6 +198,8 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     const unsigned int measure = smgr->getUniqueId(QStringLiteral("measure"));
     check(smgr->getAppMode() == measure, QStringLiteral("starts in the measuring mode"));
     check(window->windowTitle() == QStringLiteral("Zal Demo"), QStringLiteral("title: ") + window->windowTitle());
+    check(qobject_cast<RynStyle *>(QApplication::style()) != nullptr,
+          QStringLiteral("the application runs in the library's own style"));
 
     // The macro works on copies in a scratch folder.
     QTemporaryDir scratch;
