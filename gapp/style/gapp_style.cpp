@@ -528,43 +528,26 @@ void RynStyle::drawArrow(PrimitiveElement element, QPainter *painter, const QSty
     const int along = 10 * size / 11;
     if (along <= 0)
         return;
-    const QRect r = option->rect;
-    const QPoint c = r.center();
-    const int half = across / 2;
-    QPolygon triangle;
-    switch (element) {
-    case PE_IndicatorArrowUp: {
-        const int top = c.y() - along / 2;
-        triangle << QPoint(c.x() - half, top + along - 1) << QPoint(c.x() + half, top + along - 1)
-                 << QPoint(c.x(), top);
-        break;
-    }
-    case PE_IndicatorArrowDown: {
-        const int top = c.y() - along / 2;
-        triangle << QPoint(c.x() - half, top) << QPoint(c.x() + half, top) << QPoint(c.x(), top + along - 1);
-        break;
-    }
-    case PE_IndicatorArrowLeft: {
-        const int left = c.x() - along / 2;
-        triangle << QPoint(left + along - 1, c.y() - half) << QPoint(left + along - 1, c.y() + half)
-                 << QPoint(left, c.y());
-        break;
-    }
-    case PE_IndicatorArrowRight: {
-        const int left = c.x() - along / 2;
-        triangle << QPoint(left, c.y() - half) << QPoint(left, c.y() + half) << QPoint(left + along - 1, c.y());
-        break;
-    }
-    default:
+    const bool vertical = element == PE_IndicatorArrowUp || element == PE_IndicatorArrowDown;
+    // Reversed arrows run from their tip back to the base.
+    const bool reversed = element == PE_IndicatorArrowUp || element == PE_IndicatorArrowLeft;
+    if (!vertical && element != PE_IndicatorArrowLeft && element != PE_IndicatorArrowRight)
         return;
-    }
+    const QPoint c = option->rect.center();
+    const int half = across / 2;
+    const int base = (vertical ? c.y() : c.x()) - along / 2;
     const QColor color = option->palette.color(QPalette::WindowText);
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing, false);
-    painter->setPen(color);
-    painter->setBrush(color);
-    painter->drawPolygon(triangle);
-    painter->restore();
+    // One line of pixels per step from the base to the tip, symmetric about
+    // the centre line: rasterised polygons lean by a pixel depending on
+    // their direction, these do not.
+    for (int i = 0; i < along; ++i) {
+        const int h = along == 1 ? half : (half * (along - 1 - i) + (along - 1) / 2) / (along - 1);
+        const int at = base + (reversed ? along - 1 - i : i);
+        if (vertical)
+            painter->fillRect(c.x() - h, at, 2 * h + 1, 1, color);
+        else
+            painter->fillRect(at, c.y() - h, 1, 2 * h + 1, color);
+    }
 }
 
 void RynStyle::drawCircle(QPainter *painter, const QPoint &centre, const QColor &pen, const QColor &fill)
