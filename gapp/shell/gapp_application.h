@@ -9,10 +9,10 @@ namespace Zal {
 namespace GApp {
 
 // The process's Qt application object: created by the host right after
-// InitLibrary and before the main window. Sets the application-wide font
-// substitutions and desktop settings and takes part in the desktop session's
-// log-off: with unsaved data it asks whether to save the session, exit anyway
-// or cancel.
+// InitLibrary and before the main window. Installs the library's widget
+// style, sets the application-wide font substitutions and desktop settings
+// and takes part in the desktop session's log-off: with unsaved data it asks
+// whether to save the session, exit anyway or cancel.
 class GAPP_EXPORT Application : public QApplication
 {
     Q_OBJECT
