@@ -8,6 +8,8 @@ GUIThreadEvent::GUIThreadEvent() : QEvent(eventType())
 
 GUIThreadEvent::~GUIThreadEvent() = default;
 
+GUIThreadEventCreator::~GUIThreadEventCreator() = default;
+
 QEvent::Type GUIThreadEvent::eventType()
 {
     static const QEvent::Type type = QEvent::Type(QEvent::registerEventType());

@@ -19,4 +19,15 @@ public:
     static QEvent::Type eventType();
 };
 
+// Makes the GUI-thread events that a host service posts on a worker's
+// behalf (the progress display, for one): the service knows when to post,
+// the creator's owner knows what the event does.
+class GAPP_EXPORT GUIThreadEventCreator
+{
+public:
+    virtual ~GUIThreadEventCreator();
+    // A new event; the caller posts it and Qt deletes it after delivery.
+    virtual GUIThreadEvent *createEvent() = 0;
+};
+
 } // namespace Zal

@@ -6,6 +6,7 @@
 #include "gapp_main_area.h"
 #include "gapp_menu.h"
 #include "gapp_menu_data.h"
+#include "gapp_progress_event.h"
 #include "gapp_safemode.h"
 #include "gapp_shortcut.h"
 #include "gapp_toolbar_data.h"
@@ -21,6 +22,7 @@
 #include "zal_get_selection.h"
 #include "zal_icon.h"
 #include "zal_os.h"
+#include "zal_progress.h"
 #include "zal_timing_spy.h"
 #include "zal_translate.h"
 #include <QCloseEvent>
@@ -78,6 +80,10 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
         layout()->activate();
     smgr = statusManager;
     cfg = config;
+    _background_timer = new QTimer(this);
+    _background_timer->setSingleShot(true);
+    _background_timer->setInterval(10);
+    connect(_background_timer, &QTimer::timeout, this, &MainWindow::executeBackgroundTimerExpired);
 
     try {
         debug_menus = OS::getEnv("ZAL_DEBUG_MENUS");
@@ -178,6 +184,7 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
     updateStatusInfo();
     centerOnScreen();
     _event_filter = new EventFilter(this);
+    initProgressEventCreator();
 }
 
 MainWindow::~MainWindow()
@@ -187,6 +194,9 @@ MainWindow::~MainWindow()
     if (main_area)
         main_area->disconnect(this);
     MenuFunctionFinishedCallback::clearCBs();
+    // Workers that outlive the window must not post to it.
+    Progress::setEventReceiver(nullptr);
+    Progress::registerGUIEventCreator(nullptr);
     delete SaveSessionHandler::ssh;
     delete _message_timer;
     _message_timer = nullptr;

@@ -3,6 +3,7 @@
 #include "gapp_command.h"
 #include "gapp_status_mgr.h"
 #include "zal_string.h"
+#include "zal_thread.h"
 #include <QEvent>
 #include <QMainWindow>
 #include <QString>
@@ -12,12 +13,14 @@
 class QCloseEvent;
 class QDragEnterEvent;
 class QDropEvent;
+class QAbstractButton;
+class QEventLoop;
+class QPushButton;
 class QKeyEvent;
 class QLabel;
 class QMenu;
 class QProgressBar;
 class QTimer;
-class QToolButton;
 
 namespace Zal {
 class CfgNode;
@@ -186,6 +189,13 @@ public:
     void setProgress(int min, int max, unsigned int progress, const QString &text);
     QString getStatusText() const;
 
+    // Background execution: the thread runs while the GUI waits in a nested
+    // event loop with input blocked; false when the user aborted it.
+    bool executeBackground(QPushButton *button, Thread *thread, bool cancelable);
+    bool executeBackground(Thread *thread, bool cancelable);
+    // Any thread may ask.
+    bool executeBgRunning() const;
+
     // Drawing lock.
     void lockDrawing();
     void unlockDrawing();
@@ -237,6 +247,7 @@ private slots:
     void toggleToolBarVisibility(QAction *action);
     void activeViewChanged(QWidget *widget);
     void viewVisibilityChanged(QWidget *widget);
+    void executeBackgroundTimerExpired();
     void updateStatusInfo();
     void screenLayoutChanged(int screen);
     void showRestartInformation();
@@ -253,6 +264,7 @@ private:
     void showCommandName(Command *cmd);
     void hideCommandName();
     QString composeStatus(const QString &text) const;
+    void initProgressEventCreator();
     void exitIfRequested();
     void centerOnScreen();
 
@@ -265,10 +277,17 @@ private:
     bool _cancel_enabled = false;
     bool _escape_suppressed = false;
     bool _abort_requested = false;
-    QToolButton *_cancel_button = nullptr;
+    // The status bar's cancel button, or for one run the caller's own.
+    QAbstractButton *_cancel_button = nullptr;
     std::vector<QWidget *> _locked_widgets;
     QWidget *_cancel_widget = nullptr;
     bool _background_active = false;
+    // Guards _background_active against readers in other threads.
+    mutable Mutex _background_mutex{"Zal::GApp::MainWindow::MainWindow", "gapp_main_window"};
+    QTimer *_background_timer = nullptr;
+    bool _cancel_allowed = false;
+    Thread *_current_thread = nullptr;
+    QEventLoop *_event_loop = nullptr;
     bool _recording = false;
     Command::SelectCommandMode_t _select_command_mode = Command::SelectCommandMode_t(0);
     QString _message;

@@ -1,5 +1,6 @@
 // The status line and the drawing lock of the main window.
 #include "gapp_main_window.h"
+#include "gapp_event_filter.h"
 #include "zal_exception.h"
 #include <QApplication>
 #include <QProgressBar>
@@ -33,7 +34,10 @@ void MainWindow::setMessage(const QString &text, unsigned int timeout)
         if (!_message_timer) {
             _message_timer = new QTimer(this);
             _message_timer->setSingleShot(true);
-            connect(_message_timer, &QTimer::timeout, this, [this] { setMessage(QString(), 0); });
+            if (_event_filter)
+                connect(_message_timer, &QTimer::timeout, _event_filter, &EventFilter::removeStatusMessage);
+            else
+                connect(_message_timer, &QTimer::timeout, this, [this] { setMessage(QString(), 0); });
         }
         _message_timer->start(int(timeout));
     }

@@ -1,4 +1,5 @@
 #include "gapp_application.h"
+#include "tst_background.h"
 #include "tst_execute.h"
 #include "tst_event_filter.h"
 #include "gapp_config_keys_p.h"
@@ -738,9 +739,11 @@ int main(int argc, char **argv)
     TestShell shell;
     TestExecution execution;
     TestEventFilter filter;
+    TestBackground background;
     int failed = QTest::qExec(&shell, argc, argv);
     failed += QTest::qExec(&execution, argc, argv);
     failed += QTest::qExec(&filter, argc, argv);
+    failed += QTest::qExec(&background, argc, argv);
     return failed;
 }
 
