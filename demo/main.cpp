@@ -5,6 +5,7 @@
 //                            when everything held (-screenshot FILE names it)
 //   zal_demo -first-frame    prints "FIRST_FRAME <ms>" once the window is
 //                            painted, then exits (for the start-up benchmark)
+#include "demo_background.h"
 #include "demo_commands.h"
 #include "demo_document.h"
 #include "demo_macro.h"
@@ -280,6 +281,9 @@ int runHeadless(MainWindow *window, const QString &screenshot)
           QStringLiteral("custom toolbar read back: ") + entries.join(QLatin1Char(' ')) + toolbarLog.getText());
 
     checkKeysHelpAndLocking(window);
+    QString fitDetail;
+    const bool fitted = Demo::checkBackgroundFit(window, &fitDetail);
+    check(fitted, QStringLiteral("fit in the background: ") + fitDetail);
 
     QCoreApplication::processEvents();
     const bool saved = window->grab().save(screenshot);
@@ -312,6 +316,7 @@ int main(int argc, char **argv)
         QStringList args = app.arguments();
         static Demo::RecordManager records;
         Demo::createCommands();
+        Demo::createBackgroundCommands();
         Demo::registerViews();
 
         auto *smgr = new AppStatusManager;
