@@ -8,7 +8,13 @@
 #include "zal_errorlog.h"
 #include "zal_exception.h"
 #include "zal_gtools_flags.h"
+#include "zal_image_type.h"
+#include "zal_os.h"
 #include "zal_translate.h"
+#include <QDir>
+#include <QFileInfo>
+#include <cstdio>
+#include <set>
 #include <vector>
 
 namespace Zal {
@@ -83,33 +89,6 @@ StatusData *AppStatusManager::getStatus(unsigned int mode) const
         throw ZAL_PROG_ERROR("Zal::GApp::AppStatusManager::getStatus",
                              QStringLiteral("invalid application type"));
     return it->second;
-}
-
-namespace {
-// The status data of a mode, for an operation that names itself in the error.
-StatusData *statusOf(const std::map<unsigned int, StatusData *> &data, unsigned int mode, const char *function)
-{
-    const auto it = data.find(mode);
-    if (it == data.end())
-        throw ZAL_PROG_ERROR(function, QStringLiteral("invalid application type"));
-    return it->second;
-}
-} // namespace
-
-std::vector<QString> AppStatusManager::getSelectedData(const char *selection)
-{
-    return statusOf(_status_data, _app_mode, "Zal::GApp::AppStatusManager::getSelectedData")
-        ->getSelectedData(selection);
-}
-
-std::vector<QString> AppStatusManager::getAllData(unsigned int mode)
-{
-    return statusOf(_status_data, mode, "Zal::GApp::AppStatusManager::getAllData")->getAllData();
-}
-
-bool AppStatusManager::isDataModified(unsigned int mode, const QString &name) const
-{
-    return statusOf(_status_data, mode, "Zal::GApp::AppStatusManager::isDataModified")->isDataModified(name);
 }
 
 std::vector<unsigned int> AppStatusManager::getAppModes() const
@@ -421,6 +400,344 @@ void AppStatusManager::setMainWindowCaption()
             caption += translate("GAppStatusMgr", "(*)");
     }
     MainWindow::main_win->setCaption(caption);
+}
+
+
+// --- data and file operations ---------------------------------------------------
+
+namespace {
+
+// No type has been chosen to read a file.
+constexpr unsigned int NO_MODE = 0xFFFFFFFFu;
+
+void appendToLog(ErrorLog *log, const char *text, const QString &fileName)
+{
+    if (log)
+        *log << translate("GAPP_err", text).arg(QDir::toNativeSeparators(fileName)) << END_LOG;
+}
+
+void setErrorCode(QString *errorCode, const char *code)
+{
+    if (errorCode)
+        *errorCode = QString::fromLatin1(code);
+}
+
+// A file stream for reading, or null. Only regular files are opened: a
+// directory opens under glibc but cannot be read, and a FIFO would block
+// the GUI thread until someone writes to it.
+std::FILE *openForReading(const QString &fileName)
+{
+    const QFileInfo info(fileName);
+    if (info.exists() && !info.isFile())
+        return nullptr;
+    return OS::openStdStream(fileName, "rb");
+}
+
+// The chosen type so far and the candidate: the first candidate is taken,
+// later ones only when they are the active type.
+void choose(unsigned int *chosen, unsigned int candidate, unsigned int active)
+{
+    if (*chosen == NO_MODE || candidate == active)
+        *chosen = candidate;
+}
+
+} // namespace
+
+StatusData *AppStatusManager::activeStatus() const
+{
+    const auto it = _status_data.find(_app_mode);
+    return it == _status_data.end() ? nullptr : it->second;
+}
+
+StatusData *AppStatusManager::statusFor(unsigned int mode, const char *function) const
+{
+    const auto it = _status_data.find(mode);
+    if (it == _status_data.end())
+        throw ZAL_PROG_ERROR(function, QStringLiteral("invalid application type"));
+    return it->second;
+}
+
+bool AppStatusManager::isSaveSensitive() const
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::isSaveSensitive")->isSaveSensitive();
+}
+
+bool AppStatusManager::saveFile(const QString &name, const QString &fileName, QString *errorCode,
+                                ErrorLog *log)
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::saveFile")
+        ->saveFile(name, fileName, errorCode, log);
+}
+
+bool AppStatusManager::isSaveAsSensitive() const
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::isSaveAsSensitive")->isSaveAsSensitive();
+}
+
+bool AppStatusManager::isExportC3DSensitive() const
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::isExportC3DSensitive")
+        ->isExportC3DSensitive();
+}
+
+bool AppStatusManager::isSaveProjectAsSensitive() const
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::isSaveProjectAsSensitive")
+        ->isSaveProjectAsSensitive();
+}
+
+bool AppStatusManager::isCloseSensitive() const
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::isCloseSensitive")->isCloseSensitive();
+}
+
+bool AppStatusManager::closeData(const std::vector<QString> &names, QString *errorCode, ErrorLog *log)
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::closeData")->closeData(names, errorCode, log);
+}
+
+bool AppStatusManager::isCopyToClipboardSensitive() const
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::isCopyToClipboardSensitive")
+        ->isCopyToClipboardSensitive();
+}
+
+bool AppStatusManager::copyToClipboard(const std::vector<QString> &names,
+                                       const std::vector<QString> &formats, QString *errorCode,
+                                       ErrorLog *log) const
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::copyToClipboard")
+        ->copyToClipboard(names, formats, errorCode, log);
+}
+
+bool AppStatusManager::saveFileAs(const std::vector<QString> &names, const QString &fileName,
+                                  RenameType_t rename, QString *recentName, QString *errorCode,
+                                  ErrorLog *log)
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::saveFileAs")
+        ->saveFileAsRecent(names, fileName, rename, recentName, errorCode, log);
+}
+
+std::vector<QString> AppStatusManager::getSelectedData(const char *selection)
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::getSelectedData")->getSelectedData(selection);
+}
+
+std::vector<const char *> AppStatusManager::getAdditionalSelectionNames()
+{
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::getAdditionalSelectionNames")
+        ->getAdditionalSelectionNames();
+}
+
+bool AppStatusManager::cleanupInconsistentState()
+{
+    StatusData *active = activeStatus();
+    return active ? active->cleanupInconsistentState() : true;
+}
+
+bool AppStatusManager::isDataModified(unsigned int mode, const QString &name) const
+{
+    return statusFor(mode, "Zal::GApp::AppStatusManager::isDataModified")->isDataModified(name);
+}
+
+QString AppStatusManager::getFileName(unsigned int mode, const QString &name)
+{
+    return statusFor(mode, "Zal::GApp::AppStatusManager::getFileName")->getFileName(name);
+}
+
+bool AppStatusManager::isFileNameValid(unsigned int mode, const QString &fileName) const
+{
+    return statusFor(mode, "Zal::GApp::AppStatusManager::isFileNameValid")->isFileNameValid(fileName);
+}
+
+QString AppStatusManager::getFileNameExtension(unsigned int mode, const QString &name)
+{
+    return statusFor(mode, "Zal::GApp::AppStatusManager::getFileNameExtension")->getFileNameExtension(name);
+}
+
+QString AppStatusManager::getFileNameExtension(unsigned int mode, const std::vector<QString> &names)
+{
+    return statusFor(mode, "Zal::GApp::AppStatusManager::getFileNameExtension")->getFileNameExtension(names);
+}
+
+std::vector<QString> AppStatusManager::getAllData(unsigned int mode)
+{
+    return statusFor(mode, "Zal::GApp::AppStatusManager::getAllData")->getAllData();
+}
+
+bool AppStatusManager::isStatusDataEmpty() const
+{
+    for (const auto &entry : _status_data)
+        if (!entry.second->isEmpty())
+            return false;
+    return true;
+}
+
+std::vector<QString> AppStatusManager::getAllFileNameExtensions()
+{
+    std::vector<QString> all;
+    std::set<QString> seen;
+    for (const auto &entry : _status_data)
+        for (const QString &extension : entry.second->getAllFileNameExtensions())
+            if (seen.insert(extension).second)
+                all.push_back(extension);
+    return all;
+}
+
+StageIdentifier AppStatusManager::getActualStageIdentifier()
+{
+    StatusData *active = activeStatus();
+    return active ? active->getActualStageIdentifier() : StageIdentifier::NO_STAGE;
+}
+
+StatusData::StageActive_t AppStatusManager::isStageActive(const QString &stage)
+{
+    // The active type speaks first; the others only while nobody has an answer.
+    StatusData *active = activeStatus();
+    StatusData::StageActive_t answer = active ? active->isStageActive(stage) : StatusData::STAGE_UNKNOWN;
+    for (const auto &entry : _status_data) {
+        if (answer != StatusData::STAGE_UNKNOWN)
+            return answer;
+        answer = entry.second->isStageActive(stage);
+    }
+    return answer != StatusData::STAGE_UNKNOWN ? answer : StatusData::STAGE_INACTIVE;
+}
+
+std::vector<int> AppStatusManager::getStageNumbers(QString name, StatusData::ExplorerPosition_t position,
+                                                   int index)
+{
+    StatusData *active = activeStatus();
+    return active ? active->getStageNumbers(name, position, index) : std::vector<int>();
+}
+
+std::vector<QString> AppStatusManager::getStageLoopStages(const QString &name,
+                                                          StatusData::StageLoopStage_t stage)
+{
+    StatusData *active = activeStatus();
+    std::vector<QString> stages = active ? active->getStageLoopStages(name, stage) : std::vector<QString>();
+    for (auto it = _status_data.begin(); stages.empty() && it != _status_data.end(); ++it)
+        stages = it->second->getStageLoopStages(name, stage);
+    return stages;
+}
+
+bool AppStatusManager::readFileContents(const QString &fileName, std::vector<char> *bytes,
+                                        ErrorLog *log) const
+{
+    std::FILE *file = openForReading(fileName);
+    if (!file) {
+        appendToLog(log, "cannot open file for reading: %1", fileName);
+        return false;
+    }
+    std::vector<char> head(CONTENTS_READ_SIZE);
+    const size_t count = std::fread(head.data(), 1, head.size(), file);
+    const bool failed = std::ferror(file) != 0;
+    std::fclose(file);
+    if (failed) {
+        appendToLog(log, "cannot open file for reading: %1", fileName);
+        return false;
+    }
+    head.resize(count);
+    if (bytes)
+        *bytes = std::move(head);
+    return true;
+}
+
+bool AppStatusManager::getFileType(const QString &fileName, ErrorLog *log) const
+{
+    unsigned int mode = NO_MODE;
+    return getFileInfo(fileName, &mode, log);
+}
+
+bool AppStatusManager::getFileInfo(const QString &fileName, unsigned int *mode, ErrorLog *log) const
+{
+    unsigned int unused = NO_MODE;
+    if (!mode)
+        mode = &unused;
+    *mode = NO_MODE;
+
+    Image::FileType_t imageType = Image::TYPE_UNKNOWN;
+    if (Image::getFileType(fileName, &imageType)) {
+        for (const auto &entry : _status_data) {
+            if (!entry.second->canOpenImage())
+                continue;
+            choose(mode, entry.first, _app_mode);
+            if (*mode == _app_mode)
+                return true;
+        }
+        if (*mode != NO_MODE)
+            return true;
+        appendToLog(log, "cannot identify image type for file %1", fileName);
+        return false;
+    }
+
+    std::vector<char> bytes;
+    if (!readFileContents(fileName, &bytes, log))
+        return false;
+    for (const auto &entry : _status_data) {
+        if (!entry.second->canOpenFile(bytes))
+            continue;
+        choose(mode, entry.first, _app_mode);
+        if (*mode == _app_mode)
+            return true;
+    }
+    if (*mode != NO_MODE)
+        return true;
+    appendToLog(log, "cannot identify file type for file %1", fileName);
+    return false;
+}
+
+bool AppStatusManager::changeModeFor(unsigned int mode, const char *function)
+{
+    if (mode == _app_mode)
+        return true;
+    if (!statusFor(_app_mode, function)->isAppModeChangePossible(mode))
+        return false;
+    setAppMode(mode);
+    return true;
+}
+
+bool AppStatusManager::openFile(const QString &fileName, QString *second, QString *errorCode, ErrorLog *log)
+{
+    std::FILE *file = openForReading(fileName);
+    if (!file) {
+        setErrorCode(errorCode, "GAPP-0014");
+        appendToLog(log, "cannot open file for reading %1", fileName);
+        return false;
+    }
+    std::fclose(file);
+
+    unsigned int mode = NO_MODE;
+    if (!getFileInfo(fileName, &mode, log)) {
+        setErrorCode(errorCode, "GAPP-0007");
+        return false;
+    }
+    if (!changeModeFor(mode, "Zal::GApp::AppStatusManager::openFile")) {
+        setErrorCode(errorCode, "GAPP-0008");
+        appendToLog(log, "open file %1", fileName);
+        return false;
+    }
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::openFile")
+        ->openFile(fileName, second, errorCode, log);
+}
+
+bool AppStatusManager::pasteFromClipboard(const std::vector<QString> &files,
+                                          const std::vector<QString> &second, QString *third,
+                                          QString *errorCode, ErrorLog *log)
+{
+    if (files.empty())
+        throw ZAL_PROG_ERROR("Zal::GApp::AppStatusManager::pasteFromClipboard",
+                             QStringLiteral("no file to paste"));
+    unsigned int mode = NO_MODE;
+    if (!getFileInfo(files.front(), &mode, log)) {
+        setErrorCode(errorCode, "GAPP-0007");
+        return false;
+    }
+    if (!changeModeFor(mode, "Zal::GApp::AppStatusManager::pasteFromClipboard")) {
+        setErrorCode(errorCode, "GAPP-0008");
+        return false;
+    }
+    return statusFor(_app_mode, "Zal::GApp::AppStatusManager::pasteFromClipboard")
+        ->pasteFromClipboard(files, second, third, errorCode, log);
 }
 
 } // namespace GApp

@@ -98,10 +98,67 @@ public:
     void callExitProgram();
     void callCommitData();
 
-    // Data questions: the active type's selection, or a given type's data.
+    // Data and file operations. Commands do not know which type holds their
+    // data: these go to the active type, to a named type, or to all types.
+    // An active mode without status data throws "invalid application type",
+    // except where a fallback answer is given.
+
+    // The number of leading bytes read to tell which type opens a file.
+    static constexpr unsigned int CONTENTS_READ_SIZE = 1024;
+
+    // Forwarded to the active type unchanged.
+    bool isSaveSensitive() const;
+    bool saveFile(const QString &name, const QString &fileName, QString *errorCode, ErrorLog *log);
+    bool isSaveAsSensitive() const;
+    bool isExportC3DSensitive() const;
+    bool isSaveProjectAsSensitive() const;
+    bool isCloseSensitive() const;
+    bool closeData(const std::vector<QString> &names, QString *errorCode, ErrorLog *log);
+    bool isCopyToClipboardSensitive() const;
+    bool copyToClipboard(const std::vector<QString> &names, const std::vector<QString> &formats,
+                         QString *errorCode, ErrorLog *log) const;
+    // The active type's saveFileAsRecent: the recent-files name comes back too.
+    bool saveFileAs(const std::vector<QString> &names, const QString &fileName, RenameType_t rename,
+                    QString *recentName, QString *errorCode, ErrorLog *log);
+
+    // Forwarded to the active type.
     std::vector<QString> getSelectedData(const char *selection);
-    std::vector<QString> getAllData(unsigned int mode);
+    std::vector<const char *> getAdditionalSelectionNames();
+    // True when the active mode has no status data.
+    bool cleanupInconsistentState();
+
+    // Addressed to the type of `mode`.
     bool isDataModified(unsigned int mode, const QString &name) const;
+    QString getFileName(unsigned int mode, const QString &name);
+    bool isFileNameValid(unsigned int mode, const QString &fileName) const;
+    QString getFileNameExtension(unsigned int mode, const QString &name);
+    QString getFileNameExtension(unsigned int mode, const std::vector<QString> &names);
+    std::vector<QString> getAllData(unsigned int mode);
+
+    // Combined over all types, in ascending mode order.
+    bool isStatusDataEmpty() const;
+    // Each extension once, in order of first appearance.
+    std::vector<QString> getAllFileNameExtensions();
+
+    // Stages: the active type's answer, with fallbacks when it has none.
+    StageIdentifier getActualStageIdentifier();
+    StatusData::StageActive_t isStageActive(const QString &stage);
+    std::vector<int> getStageNumbers(QString name, StatusData::ExplorerPosition_t position, int index);
+    std::vector<QString> getStageLoopStages(const QString &name, StatusData::StageLoopStage_t stage);
+
+    // Files. The first CONTENTS_READ_SIZE bytes (fewer for a shorter file)
+    // tell which type reads a file: the active type when it can, else the
+    // type with the lowest mode that can.
+    bool readFileContents(const QString &fileName, std::vector<char> *bytes, ErrorLog *log) const;
+    bool getFileType(const QString &fileName, ErrorLog *log) const;
+    // Switches the mode when another type reads the file; error codes
+    // "GAPP-0014" (cannot open), "GAPP-0007" (unknown kind), "GAPP-0008"
+    // (the active type refuses the mode change), else the type's own.
+    bool openFile(const QString &fileName, QString *second, QString *errorCode, ErrorLog *log);
+    // The kind of files[0] picks the type; an empty list is a programming
+    // error ("no file to paste").
+    bool pasteFromClipboard(const std::vector<QString> &files, const std::vector<QString> &second,
+                            QString *third, QString *errorCode, ErrorLog *log);
 
 signals:
     void selectionPreChangedSignal(uint app, Zal::GApp::SelectionMode_t mode);
@@ -122,12 +179,22 @@ signals:
 
 protected:
     void setMainWindowCaption();
+    // Which type reads the file; `mode` is all bits set when none does.
+    bool getFileInfo(const QString &fileName, unsigned int *mode, ErrorLog *log) const;
 
 private slots:
     void specialMenuProviderDestroyed(QObject *provider);
 
 private:
     void updateMainWindow();
+    // The active type's status data, or null when the active mode has none.
+    StatusData *activeStatus() const;
+    // The status data of `mode`; throws "invalid application type" naming `function`.
+    StatusData *statusFor(unsigned int mode, const char *function) const;
+    // Switches to `mode` unless it is the active one; false when the active
+    // type refuses. `function` names the caller in the error of an
+    // unregistered active mode.
+    bool changeModeFor(unsigned int mode, const char *function);
 
     unsigned int _app_mode = 0;
     bool _menu_function_active = false;

@@ -9,6 +9,7 @@
 #include "zal_gtools_flags.h"
 #include "zal_unique_id.h"
 #include "test_util.h"
+#include "tst_file_ops.h"
 #include <QApplication>
 #include <QFile>
 #include <QSignalSpy>
@@ -833,5 +834,14 @@ private:
     MainWindow *_win = nullptr;
 };
 
-QTEST_MAIN(TestStatus)
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    app.setAttribute(Qt::AA_Use96Dpi, true);
+    TestStatus status;
+    TestFileOps fileOps;
+    int failed = QTest::qExec(&status, argc, argv);
+    failed += QTest::qExec(&fileOps, argc, argv);
+    return failed;
+}
 #include "tst_status.moc"
