@@ -8,7 +8,6 @@
 #include "zal_errorlog.h"
 #include "zal_parse.h"
 #include "zal_variant.h"
-#include <QFileInfo>
 #include <QLabel>
 #include <QToolBar>
 #include <QToolButton>
@@ -133,11 +132,11 @@ public:
     }
     bool executeScript(QString *result, QString *code, ErrorLog *log) override
     {
-        if (!QFileInfo::exists(_file))
-            return fail(code, log, "GAPP-0014", createErrorString(_file));
-        QString error;
-        if (!doc().open(_file, &error))
-            return fail(code, log, "GAPP-0007", createErrorString(error));
+        // The file's first bytes pick the application type that reads it,
+        // switching the mode when needed (see demo_files.cpp).
+        QString second;
+        if (!MainWindow::smgr->openFile(_file, &second, code, log))
+            return false;
         RecentFilesProvider::instance()->addFile(_file);
         *result = QString::number(doc().points().size());
         emitDataChanged(1);

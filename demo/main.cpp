@@ -8,6 +8,7 @@
 #include "demo_background.h"
 #include "demo_commands.h"
 #include "demo_document.h"
+#include "demo_files.h"
 #include "demo_macro.h"
 #include "demo_recent.h"
 #include "demo_status.h"
@@ -284,6 +285,8 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     QString fitDetail;
     const bool fitted = Demo::checkBackgroundFit(window, &fitDetail);
     check(fitted, QStringLiteral("fit in the background: ") + fitDetail);
+    check(Demo::checkOpenByContent(QStringLiteral("files.macro")) == 0,
+          QStringLiteral("files open in the mode of their kind"));
 
     QCoreApplication::processEvents();
     const bool saved = window->grab().save(screenshot);
@@ -322,7 +325,7 @@ int main(int argc, char **argv)
         auto *smgr = new AppStatusManager;
         for (const char *name : {"measure", "inspect"}) {
             const unsigned int mode = smgr->getUniqueId(QString::fromLatin1(name));
-            smgr->setStatusData(mode, new Demo::DemoStatus(mode, QString::fromLatin1(name)));
+            smgr->setStatusData(mode, Demo::createStatus(mode, QString::fromLatin1(name)));
         }
         smgr->registerSpecialMenuProvider(QString::fromLatin1(MenuData::RECENT_FILES),
                                           Demo::RecentFilesProvider::instance());
