@@ -410,6 +410,7 @@ namespace {
 // No type has been chosen to read a file.
 constexpr unsigned int NO_MODE = 0xFFFFFFFFu;
 
+// `text` is a key of the context "GAPP_err", marked where it is written.
 void appendToLog(ErrorLog *log, const char *text, const QString &fileName)
 {
     if (log)
@@ -625,7 +626,7 @@ bool AppStatusManager::readFileContents(const QString &fileName, std::vector<cha
 {
     std::FILE *file = openForReading(fileName);
     if (!file) {
-        appendToLog(log, "cannot open file for reading: %1", fileName);
+        appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "cannot open file for reading: %1"), fileName);
         return false;
     }
     std::vector<char> head(CONTENTS_READ_SIZE);
@@ -633,7 +634,7 @@ bool AppStatusManager::readFileContents(const QString &fileName, std::vector<cha
     const bool failed = std::ferror(file) != 0;
     std::fclose(file);
     if (failed) {
-        appendToLog(log, "cannot open file for reading: %1", fileName);
+        appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "cannot open file for reading: %1"), fileName);
         return false;
     }
     head.resize(count);
@@ -666,7 +667,7 @@ bool AppStatusManager::getFileInfo(const QString &fileName, unsigned int *mode, 
         }
         if (*mode != NO_MODE)
             return true;
-        appendToLog(log, "cannot identify image type for file %1", fileName);
+        appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "cannot identify image type for file %1"), fileName);
         return false;
     }
 
@@ -682,7 +683,7 @@ bool AppStatusManager::getFileInfo(const QString &fileName, unsigned int *mode, 
     }
     if (*mode != NO_MODE)
         return true;
-    appendToLog(log, "cannot identify file type for file %1", fileName);
+    appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "cannot identify file type for file %1"), fileName);
     return false;
 }
 
@@ -701,7 +702,7 @@ bool AppStatusManager::openFile(const QString &fileName, QString *second, QStrin
     std::FILE *file = openForReading(fileName);
     if (!file) {
         setErrorCode(errorCode, "GAPP-0014");
-        appendToLog(log, "cannot open file for reading %1", fileName);
+        appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "cannot open file for reading %1"), fileName);
         return false;
     }
     std::fclose(file);
@@ -713,7 +714,7 @@ bool AppStatusManager::openFile(const QString &fileName, QString *second, QStrin
     }
     if (!changeModeFor(mode, "Zal::GApp::AppStatusManager::openFile")) {
         setErrorCode(errorCode, "GAPP-0008");
-        appendToLog(log, "open file %1", fileName);
+        appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "open file %1"), fileName);
         return false;
     }
     return statusFor(_app_mode, "Zal::GApp::AppStatusManager::openFile")
