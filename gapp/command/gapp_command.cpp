@@ -1,5 +1,6 @@
 #include "gapp_command.h"
 #include "gapp_ccontainer.h"
+#include "gapp_icon_set.h"
 #include "gapp_main_window.h"
 #include "zal_cfg.h"
 #include "zal_errorlog.h"
@@ -19,11 +20,11 @@ namespace GApp {
 
 namespace {
 
-// Where the user's own command icons join: the icon-set registry's icon for
-// the name, which takes precedence over the command's own.
-const QIcon *userIconSet(const QString &)
+// The user's own icon for the name, which takes precedence over the
+// command's own; asked on every call, so a later change shows at once.
+const QIcon *userIconSet(const QString &name)
 {
-    return nullptr;
+    return IconSetContainer::getIconSet(name);
 }
 
 // The menu text in black on a transparent square of the small icon size.

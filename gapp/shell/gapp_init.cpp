@@ -2,6 +2,7 @@
 #include "gapp_application.h"
 #include "gapp_ccontainer.h"
 #include "gapp_config_keys_p.h"
+#include "gapp_icon_set.h"
 #include "gapp_main_window.h"
 #include "gapp_menu_data.h"
 #include "gapp_safemode.h"
@@ -243,6 +244,7 @@ void DeleteStaticData()
     ToolBarContainer::deleteAllToolBars();
     ViewContainer::deleteAllViews();
     ShortcutContainer::deleteAllData();
+    IconSetContainer::deleteAllIconSets();
 }
 
 QString ConfigFile::tempFileName(const QString &fileName)

@@ -1,7 +1,9 @@
 #include "gapp_main_window.h"
 #include "gapp_ccontainer.h"
 #include "gapp_container_widget.h"
+#include "gapp_documentation.h"
 #include "gapp_event_filter.h"
+#include "gapp_icon_set.h"
 #include "gapp_init.h"
 #include "gapp_main_area.h"
 #include "gapp_menu.h"
@@ -85,7 +87,10 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
     _background_timer->setInterval(10);
     connect(_background_timer, &QTimer::timeout, this, &MainWindow::executeBackgroundTimerExpired);
 
+    bool helpIdsInitialized = false;
     try {
+        Documentation::initialize();
+        helpIdsInitialized = true;
         debug_menus = OS::getEnv("ZAL_DEBUG_MENUS");
         debug_views = OS::getEnv("ZAL_DEBUG_VIEWS");
         debug_signals = OS::getEnv("ZAL_DEBUG_SIGNALS");
@@ -135,6 +140,8 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
             ShortcutContainer::load(&droppedShortcuts);
             ErrorLog dropped;
             ToolBarContainer::load(&dropped);
+            ErrorLog droppedIcons;
+            IconSetContainer::loadStandard(&droppedIcons);
         }
     } catch (...) {
         // The window is not usable; leave no half-registered main window behind.
@@ -142,6 +149,9 @@ MainWindow::MainWindow(const char *name, AppStatusManager *statusManager, CfgNod
         delete GetSelectionInterface::getInterface();
         // A later window creates the map "default" again.
         ShortcutContainer::deleteData(QStringLiteral("default"));
+        // A later window initialises the help identifiers again.
+        if (helpIdsInitialized)
+            Documentation::deinitialize();
         main_area = nullptr;
         smgr = nullptr;
         cfg = nullptr;
@@ -202,6 +212,12 @@ MainWindow::~MainWindow()
     _message_timer = nullptr;
     if (cfg)
         saveConfiguration();
+    try {
+        Documentation::deinitialize();
+    } catch (const ProgError &e) {
+        // The host may have released it already; a destructor must not throw.
+        e.report();
+    }
     ViewContainer::hideView();
     // Later events of this process (and later windows) must not reach a
     // window that is going away.

@@ -1,4 +1,5 @@
 #include "gapp_container_widget.h"
+#include "gapp_documentation.h"
 #include "zal_exception.h"
 
 namespace Zal::GApp {
@@ -76,9 +77,15 @@ void ContainerWidget::showWidget(unsigned int index)
 {
     if (index >= _widgets.size())
         throw ZAL_PROG_ERROR("Zal::GApp::ContainerWidget::showWidget", QStringLiteral("Index is too high"));
-    if (QWidget *widget = _widgets[index])
+    Documentation::unregisterId(this);
+    QWidget *widget = _widgets[index];
+    if (widget)
         setCurrentWidget(widget);
     _current_index = index;
+    // Context help on the container shows the page of the widget it shows.
+    const QString id = Documentation::getId(widget);
+    if (!id.isEmpty())
+        Documentation::registerId(this, id);
 }
 
 QWidget *ContainerWidget::getWidget(unsigned int index) const

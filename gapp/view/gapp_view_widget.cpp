@@ -1,4 +1,5 @@
 #include "gapp_view_widget.h"
+#include "gapp_documentation.h"
 #include "gapp_event_filter.h"
 #include "gapp_main_area.h"
 #include "gapp_main_window.h"
@@ -46,6 +47,8 @@ ViewWidgetCreator::~ViewWidgetCreator()
 void ViewWidgetCreator::setWidget(QWidget *widget)
 {
     _widget = widget;
+    if (widget && !_help_id.isEmpty())
+        Documentation::registerId(widget, _help_id);
 }
 
 // ---------------------------------------------------------------------------
