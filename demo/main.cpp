@@ -11,6 +11,7 @@
 #include "demo_files.h"
 #include "demo_macro.h"
 #include "demo_recent.h"
+#include "demo_resources.h"
 #include "demo_status.h"
 #include "demo_views.h"
 #include "gapp_application.h"
@@ -287,6 +288,7 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     check(fitted, QStringLiteral("fit in the background: ") + fitDetail);
     check(Demo::checkOpenByContent(QStringLiteral("files.macro")) == 0,
           QStringLiteral("files open in the mode of their kind"));
+    check(Demo::checkResources(window) == 0, QStringLiteral("user icons and help identifiers"));
 
     QCoreApplication::processEvents();
     const bool saved = window->grab().save(screenshot);
