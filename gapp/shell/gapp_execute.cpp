@@ -2,6 +2,8 @@
 // script commands with parameter strings, stage loops, macro recording.
 #include "gapp_main_window.h"
 #include "gapp_safemode.h"
+#include "gapp_state_record.h"
+#include "gapp_undo_check.h"
 #include "zal_dialogs.h"
 #include "zal_errorlog.h"
 #include "zal_gui_thread_event.h"
@@ -81,6 +83,54 @@ void applyUndoRecordRule(Command *cmd)
     RecordManagerBase *manager = RecordManagerBase::_manager_base;
     if (manager && !(cmd->isUndoRedoPossible() && manager->isUndoRecordingOn()))
         manager->clearHistory();
+}
+
+// Undo and redo run with drawing locked; the lock is released even when the
+// host's record manager throws.
+class DrawingLock
+{
+public:
+    explicit DrawingLock(MainWindow *window) : _window(window) { _window->lockDrawing(); }
+    ~DrawingLock() { _window->unlockDrawing(); }
+    DrawingLock(const DrawingLock &) = delete;
+    DrawingLock &operator=(const DrawingLock &) = delete;
+
+private:
+    MainWindow *_window;
+};
+
+// Runs a script command and verifies that it made one undo record and that
+// undoing and redoing it restores the recorded states; a failure throws.
+bool executeWithUndoCheck(MainWindow *window, RecordManagerBase *manager, Command *cmd,
+                          Variant *result, QString *errorCode, ErrorLog *log)
+{
+    const QString name = cmd->getName();
+    const ApplicationStateRecord beforeCommand(QStringLiteral("before_command"));
+    const unsigned int idBefore = RecordManagerBase::_next_record_id;
+    if (!cmd->executeScript(result, errorCode, log))
+        return false;
+    if (!DebugUndoRedoTools::checkUndoHistory(name, idBefore, RecordManagerBase::_next_record_id))
+        return true;
+    if (MainWindow::debug_commands)
+        trace(QStringLiteral("executing undo+redo for ") + name);
+
+    const ApplicationStateRecord beforeUndoRedo(QStringLiteral("before_undo+redo"));
+    {
+        DrawingLock lock(window);
+        manager->undo();
+    }
+    MainWindow::smgr->emitDataChanged(MainWindow::smgr->getAppMode(), 0);
+    const ApplicationStateRecord afterUndo(QStringLiteral("after_undo"));
+    {
+        DrawingLock lock(window);
+        manager->redo();
+    }
+    MainWindow::smgr->emitDataChanged(MainWindow::smgr->getAppMode(), 0);
+    const ApplicationStateRecord afterUndoRedo(QStringLiteral("after_undo+redo"));
+
+    DebugUndoRedoTools::check(name, beforeCommand, afterUndo);
+    DebugUndoRedoTools::check(name, beforeUndoRedo, afterUndoRedo);
+    return true;
 }
 
 } // namespace
@@ -243,8 +293,16 @@ bool MainWindow::execute(Command *cmd, const QString &params, Variant *result, Q
             RecordManagerBase *manager = RecordManagerBase::_manager_base;
             if (debug_undo && manager && manager->isUndoRecordingOn() && !manager->isBusy()
                 && cmd->isUndoRedoPossible() && !isExemptFromUndoCheck(cmd->getName())) {
-                // The undo comparison of recorded application states joins here.
-                ok = cmd->executeScript(result, errorCode, log);
+                try {
+                    ok = executeWithUndoCheck(this, manager, cmd, result, errorCode, log);
+                } catch (...) {
+                    // The failed check goes to the caller; the execution state
+                    // is put back as on every other path.
+                    --_script_command_counter;
+                    hideCommandName();
+                    updateSensitivity();
+                    throw;
+                }
             } else {
                 ok = cmd->executeScript(result, errorCode, log);
             }
