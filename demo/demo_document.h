@@ -35,6 +35,8 @@ signals:
     void changed();
 
 private:
+    void record(QUndoCommand *step);
+
     std::vector<QVector3D> _points;
     QString _file_name;
     bool _grid = false;

@@ -13,6 +13,7 @@
 #include "demo_recent.h"
 #include "demo_resources.h"
 #include "demo_status.h"
+#include "demo_undo_check.h"
 #include "demo_views.h"
 #include "gapp_application.h"
 #include "gapp_ccontainer.h"
@@ -289,6 +290,9 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     check(Demo::checkOpenByContent(QStringLiteral("files.macro")) == 0,
           QStringLiteral("files open in the mode of their kind"));
     check(Demo::checkResources(window) == 0, QStringLiteral("user icons and help identifiers"));
+    QString undoDetail;
+    const bool undoChecked = Demo::checkUndoDebugging(window, &undoDetail);
+    check(undoChecked, QStringLiteral("undo checks: ") + undoDetail);
 
     QCoreApplication::processEvents();
     const bool saved = window->grab().save(screenshot);
