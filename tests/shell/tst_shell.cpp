@@ -1,5 +1,7 @@
 #include "gapp_application.h"
 #include "tst_background.h"
+#include "tst_callback_thread.h"
+#include "tst_shell_command.h"
 #include "tst_execute.h"
 #include "tst_event_filter.h"
 #include "gapp_config_keys_p.h"
@@ -740,10 +742,14 @@ int main(int argc, char **argv)
     TestExecution execution;
     TestEventFilter filter;
     TestBackground background;
+    TestCallbackThread callbacks;
+    TestShellCommand commands;
     int failed = QTest::qExec(&shell, argc, argv);
     failed += QTest::qExec(&execution, argc, argv);
     failed += QTest::qExec(&filter, argc, argv);
     failed += QTest::qExec(&background, argc, argv);
+    failed += QTest::qExec(&callbacks, argc, argv);
+    failed += QTest::qExec(&commands, argc, argv);
     return failed;
 }
 

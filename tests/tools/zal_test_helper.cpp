@@ -5,6 +5,8 @@
 //   cfg-temp-name FILE  prints its pid and the temporary name of a configuration save
 //   cfg-save-loop FILE  saves a large configuration over and over, announcing each save
 //   qt-messages         a Qt warning, then a fatal message, through the library's handler
+//   ignore-term FIFO    ignores terminate requests, writes "ready" into FIFO, waits 60
+//                       seconds for a kill, then prints "survived"
 #include "gapp_application.h"
 #include "gapp_init.h"
 #include "zal_cfg.h"
@@ -12,6 +14,7 @@
 #include "zal_os.h"
 #include <QCoreApplication>
 #include <QThread>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -51,11 +54,23 @@ int main(int argc, char **argv)
                 return 3;
         }
     }
+    if (argc >= 3 && std::strcmp(verb, "ignore-term") == 0) {
+        std::signal(SIGTERM, SIG_IGN);
+        // Opening a FIFO blocks until the test reads it: the answer that
+        // terminate requests are ignored from now on.
+        if (std::FILE *fifo = std::fopen(argv[2], "w")) {
+            std::fputs("ready\n", fifo);
+            std::fclose(fifo);
+        }
+        QThread::sleep(60);
+        std::printf("survived\n");
+        return 0;
+    }
     if (std::strcmp(verb, "qt-messages") == 0) {
         qInstallMessageHandler(GApp::qtMessageHandler);
         qWarning("careful");
         qFatal("boom");
     }
-    std::fprintf(stderr, "usage: zal_test_helper pid|sleep N|exit N|cfg-temp-name F|cfg-save-loop F|qt-messages\n");
+    std::fprintf(stderr, "usage: zal_test_helper pid|sleep N|exit N|cfg-temp-name F|cfg-save-loop F|qt-messages|ignore-term FIFO\n");
     return 2;
 }
