@@ -12,6 +12,7 @@
 #include "demo_macro.h"
 #include "demo_recent.h"
 #include "demo_resources.h"
+#include "demo_shell.h"
 #include "demo_status.h"
 #include "demo_undo_check.h"
 #include "demo_views.h"
@@ -293,6 +294,11 @@ int runHeadless(MainWindow *window, const QString &screenshot)
     QString undoDetail;
     const bool undoChecked = Demo::checkUndoDebugging(window, &undoDetail);
     check(undoChecked, QStringLiteral("undo checks: ") + undoDetail);
+    QString shellDetail, callbackDetail;
+    const bool shellRan = Demo::checkShellCommand(&shellDetail);
+    check(shellRan, QStringLiteral("shell command: ") + shellDetail);
+    const bool calledBack = Demo::checkGuiCallback(window, &callbackDetail);
+    check(calledBack, QStringLiteral("GUI callback: ") + callbackDetail);
 
     QCoreApplication::processEvents();
     const bool saved = window->grab().save(screenshot);
