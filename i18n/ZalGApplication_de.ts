@@ -8,6 +8,40 @@
     </message>
 </context>
 <context>
+    <name>GAPPExecute</name>
+    <message>
+        <source>abort computation</source>
+        <translation>Berechnung abbrechen</translation>
+    </message>
+    <message>
+        <source>abort the computation?</source>
+        <translation>Die Berechnung abbrechen?</translation>
+    </message>
+    <message>
+        <source>ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>ok and undo</source>
+        <translation>OK und rückgängig</translation>
+    </message>
+    <message>
+        <source>cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>GAPPExecute_progress</name>
+    <message>
+        <source>computation aborted</source>
+        <translation>Berechnung abgebrochen</translation>
+    </message>
+    <message>
+        <source>aborting computation</source>
+        <translation>Berechnung wird abgebrochen</translation>
+    </message>
+</context>
+<context>
     <name>GAPPExit_dlg</name>
     <message>
         <source>exit title</source>
@@ -273,7 +307,7 @@
     </message>
     <message>
         <source>cannot save shortcut data: %1</source>
-        <translation type="unfinished" />
+        <translation>Die Tastenkürzel können nicht gespeichert werden: %1</translation>
     </message>
     <message>
         <source>invalid file version</source>
@@ -289,7 +323,7 @@
     </message>
     <message>
         <source>cannot load shortcut data: %1</source>
-        <translation type="unfinished" />
+        <translation>Die Tastenkürzel können nicht geladen werden: %1</translation>
     </message>
     <message>
         <source>cannot save toolbars: </source>
@@ -298,6 +332,54 @@
     <message>
         <source>cannot load toolbars: </source>
         <translation>Werkzeugleisten können nicht geladen werden: </translation>
+    </message>
+    <message>
+        <source>cannot save icons</source>
+        <translation>Die Symbole können nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>invalid icon count block version</source>
+        <translation>Ungültige Blockversion der Symbolanzahl</translation>
+    </message>
+    <message>
+        <source>invalid icon name block version</source>
+        <translation>Ungültige Blockversion des Symbolnamens</translation>
+    </message>
+    <message>
+        <source>cannot load icons</source>
+        <translation>Die Symbole können nicht geladen werden</translation>
+    </message>
+    <message>
+        <source>icon too large</source>
+        <translation>Symbol zu groß</translation>
+    </message>
+    <message>
+        <source>invalid icon block version</source>
+        <translation>Ungültige Blockversion des Symbols</translation>
+    </message>
+    <message>
+        <source>invalid icon size %1 x %2</source>
+        <translation>Ungültige Symbolgröße %1 x %2</translation>
+    </message>
+    <message>
+        <source>cannot open file for reading: %1</source>
+        <translation>Die Datei kann nicht zum Lesen geöffnet werden: %1</translation>
+    </message>
+    <message>
+        <source>cannot identify image type for file %1</source>
+        <translation>Der Bildtyp der Datei %1 kann nicht bestimmt werden</translation>
+    </message>
+    <message>
+        <source>cannot identify file type for file %1</source>
+        <translation>Der Dateityp der Datei %1 kann nicht bestimmt werden</translation>
+    </message>
+    <message>
+        <source>cannot open file for reading %1</source>
+        <translation>Die Datei kann nicht zum Lesen geöffnet werden %1</translation>
+    </message>
+    <message>
+        <source>open file %1</source>
+        <translation>Datei %1 öffnen</translation>
     </message>
 </context>
 <context>
@@ -345,6 +427,41 @@
     <message>
         <source>(*)</source>
         <translation>(*)</translation>
+    </message>
+</context>
+<context>
+    <name>GApp_ShellExecuter_err</name>
+    <message>
+        <source>can't start shell process</source>
+        <translation>Der Shell-Prozess kann nicht gestartet werden</translation>
+    </message>
+    <message>
+        <source>shell command execution aborted</source>
+        <translation>Ausführung des Shell-Befehls abgebrochen</translation>
+    </message>
+    <message>
+        <source>can't execute:</source>
+        <translation>Kann nicht ausgeführt werden:</translation>
+    </message>
+    <message>
+        <source>exit code</source>
+        <translation>Rückgabewert</translation>
+    </message>
+    <message>
+        <source>abnormal exit</source>
+        <translation>Abnormales Ende</translation>
+    </message>
+    <message>
+        <source>abort computation</source>
+        <translation>Berechnung abbrechen</translation>
+    </message>
+    <message>
+        <source>abort the computation?</source>
+        <translation>Die Berechnung abbrechen?</translation>
+    </message>
+    <message>
+        <source>can't write shell command file:</source>
+        <translation>Die Shell-Befehlsdatei kann nicht geschrieben werden:</translation>
     </message>
 </context>
 <context>
