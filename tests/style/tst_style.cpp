@@ -137,14 +137,16 @@ constexpr quint64 key(Kind kind, uint element)
     return quint64(kind) << 32 | element;
 }
 
-QStyleOption *makeOption(const Element &e)
+// Shared, so that the option is deleted as what it was made: QStyleOption
+// has no virtual destructor.
+std::shared_ptr<QStyleOption> makeOption(const Element &e)
 {
     switch (key(e.kind, e.element)) {
     case key(Control, S::CE_PushButton):
     case key(Control, S::CE_PushButtonBevel):
     case key(Control, S::CE_PushButtonLabel):
     case key(Primitive, S::PE_PanelButtonCommand): {
-        auto *o = new QStyleOptionButton;
+        auto o = std::make_shared<QStyleOptionButton>();
         o->text = QStringLiteral("OK");
         o->icon = redIcon();
         o->iconSize = QSize(16, 16);
@@ -152,13 +154,13 @@ QStyleOption *makeOption(const Element &e)
         return o;
     }
     case key(Control, S::CE_TabBarTabShape): {
-        auto *o = new QStyleOptionTab;
+        auto o = std::make_shared<QStyleOptionTab>();
         o->shape = QTabBar::Shape(e.variant);
         return o;
     }
     case key(Control, S::CE_ProgressBarGroove):
     case key(Control, S::CE_ProgressBarContents): {
-        auto *o = new QStyleOptionProgressBar;
+        auto o = std::make_shared<QStyleOptionProgressBar>();
         o->maximum = e.variant == 1 ? 0 : 100;
         o->progress = 40;
         o->invertedAppearance = e.variant == 2;
@@ -167,7 +169,7 @@ QStyleOption *makeOption(const Element &e)
     }
     case key(Control, S::CE_MenuItem):
     case key(Control, S::CE_MenuBarItem): {
-        auto *o = new QStyleOptionMenuItem;
+        auto o = std::make_shared<QStyleOptionMenuItem>();
         o->text = QStringLiteral("&Open\tCtrl+O");
         o->maxIconWidth = 16;
         o->menuItemType = QStyleOptionMenuItem::MenuItemType(e.variant);
@@ -178,34 +180,34 @@ QStyleOption *makeOption(const Element &e)
     case key(Control, S::CE_HeaderSection):
     case key(Control, S::CE_HeaderLabel):
     case key(Primitive, S::PE_IndicatorHeaderArrow): {
-        auto *o = new QStyleOptionHeader;
+        auto o = std::make_shared<QStyleOptionHeader>();
         o->text = QStringLiteral("x");
         o->icon = redIcon();
         o->sortIndicator = QStyleOptionHeader::SortDown;
         return o;
     }
     case key(Control, S::CE_SizeGrip): {
-        auto *o = new QStyleOptionSizeGrip;
+        auto o = std::make_shared<QStyleOptionSizeGrip>();
         o->corner = Qt::Corner(e.variant);
         return o;
     }
     case key(Control, S::CE_ComboBoxLabel):
     case key(Complex, S::CC_ComboBox): {
-        auto *o = new QStyleOptionComboBox;
+        auto o = std::make_shared<QStyleOptionComboBox>();
         o->currentText = QStringLiteral("Item");
         o->currentIcon = redIcon();
         o->editable = e.variant == 1;
         return o;
     }
     case key(Complex, S::CC_SpinBox): {
-        auto *o = new QStyleOptionSpinBox;
+        auto o = std::make_shared<QStyleOptionSpinBox>();
         o->buttonSymbols = e.variant == 1 ? QAbstractSpinBox::PlusMinus : QAbstractSpinBox::UpDownArrows;
         o->stepEnabled = QAbstractSpinBox::StepUpEnabled;
         return o;
     }
     case key(Complex, S::CC_ScrollBar):
     case key(Complex, S::CC_Slider): {
-        auto *o = new QStyleOptionSlider;
+        auto o = std::make_shared<QStyleOptionSlider>();
         o->orientation = e.size.width() > e.size.height() ? Qt::Horizontal : Qt::Vertical;
         o->maximum = 100;
         o->sliderPosition = o->sliderValue = 30;
@@ -214,14 +216,14 @@ QStyleOption *makeOption(const Element &e)
         return o;
     }
     case key(Complex, S::CC_ToolButton): {
-        auto *o = new QStyleOptionToolButton;
+        auto o = std::make_shared<QStyleOptionToolButton>();
         o->icon = redIcon();
         o->iconSize = QSize(16, 16);
         o->features = e.variant == 1 ? QStyleOptionToolButton::MenuButtonPopup : QStyleOptionToolButton::HasMenu;
         return o;
     }
     case key(Complex, S::CC_TitleBar): {
-        auto *o = new QStyleOptionTitleBar;
+        auto o = std::make_shared<QStyleOptionTitleBar>();
         o->text = QStringLiteral("A window");
         o->titleBarFlags = Qt::Window | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint
                            | Qt::WindowContextHelpButtonHint;
@@ -230,15 +232,15 @@ QStyleOption *makeOption(const Element &e)
         return o;
     }
     case key(Complex, RynStyle::CC_ExtendBox):
-        return new QStyleOptionComplex;
+        return std::make_shared<QStyleOptionComplex>();
     case key(Primitive, S::PE_FrameFocusRect):
-        return new QStyleOptionFocusRect;
+        return std::make_shared<QStyleOptionFocusRect>();
     case key(Primitive, S::PE_FrameLineEdit):
-        return new QStyleOptionFrame;
+        return std::make_shared<QStyleOptionFrame>();
     default:
         break;
     }
-    auto *o = new QStyleOption;
+    auto o = std::make_shared<QStyleOption>();
     o->state = e.element == S::PE_IndicatorBranch ? S::State_Children : S::State_Horizontal;
     return o;
 }
@@ -723,7 +725,7 @@ private slots:
         QFETCH(Qt::LayoutDirection, direction);
         const Element &e = ELEMENTS[index];
         QImage image = blankImage(e.size);
-        std::unique_ptr<QStyleOption> option(makeOption(e));
+        const std::shared_ptr<QStyleOption> option = makeOption(e);
         option->rect = image.rect();
         option->palette = style()->standardPalette();
         option->fontMetrics = QFontMetrics(QApplication::font());
