@@ -1,4 +1,5 @@
 #include "demo_background.h"
+#include "demo_command.h"
 #include "demo_document.h"
 #include "gapp_ccontainer.h"
 #include "gapp_command.h"
@@ -95,17 +96,11 @@ private:
 
 // Fits the points from..to (1-based) in the background; Escape or the
 // status-bar cancel button offers to abort.
-class FitPlaneCommand : public Command
+class FitPlaneCommand : public DemoCommand
 {
 public:
-    FitPlaneCommand()
-        : Command(true, false, QStringLiteral("meas.fit_plane"), QStringLiteral("&Fit plane"),
-                  QStringLiteral("meas.fit_plane"))
-    {
-    }
-    bool isChecked() const override { return false; }
+    FitPlaneCommand() : DemoCommand("meas.fit_plane", "&Fit plane", nullptr) {}
     bool isMenuSensitive() const override { return Document::instance().points().size() >= 3; }
-    bool isScriptSensitive() const override { return isMenuSensitive(); }
     QString getParameterString() override
     {
         return Parse::createInt(QStringLiteral("from"), _from) + QLatin1Char(' ')
@@ -119,39 +114,24 @@ public:
             _from = Parse::getInt(p, QStringLiteral("from"), 1, count);
             _to = Parse::getInt(p, QStringLiteral("to"), _from, count);
         } catch (const Exception &e) {
-            *code = QString::fromLatin1(PARAMETER_ERROR);
-            *log << createErrorString(e.getText()) << END_LOG;
-            return false;
+            return parameterError(e, code, log);
         }
         return true;
-    }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool isUndoRedoPossible() const override { return true; }
-    bool executeMenu() override
-    {
-        QString result, code;
-        ErrorLog log;
-        return executeScript(&result, &code, &log);
     }
     using Command::executeScript;
     bool executeScript(QString *result, QString *code, ErrorLog *log) override
     {
         const auto &all = Document::instance().points();
         if (_to > int(all.size()) || _to - _from < 2) {
-            *code = QString::fromLatin1(PARAMETER_ERROR);
-            *log << createErrorString(QStringLiteral("a plane needs three points")) << END_LOG;
-            return false;
+            return fail(code, log, PARAMETER_ERROR, createErrorString(QStringLiteral("a plane needs three points")));
         }
         FitPlaneThread thread(std::vector<QVector3D>(all.begin() + (_from - 1), all.begin() + _to));
         if (!MainWindow::main_win->executeBackground(&thread, true)) {
-            *code = QString::fromLatin1(MainWindow::ERROR_USER_ABORT);
-            *log << createErrorString(QStringLiteral("aborted")) << END_LOG;
-            return false;
+            return fail(code, log, MainWindow::ERROR_USER_ABORT, createErrorString(QStringLiteral("aborted")));
         }
         if (!thread.solved) {
-            *code = QString::fromLatin1(PARAMETER_ERROR);
-            *log << createErrorString(QStringLiteral("the points do not span a plane")) << END_LOG;
-            return false;
+            return fail(code, log, PARAMETER_ERROR,
+                        createErrorString(QStringLiteral("the points do not span a plane")));
         }
         *result = QString::number(thread.flatness, 'f', 3);
         return true;

@@ -1,4 +1,5 @@
 #include "demo_commands.h"
+#include "demo_command.h"
 #include "demo_document.h"
 #include "demo_recent.h"
 #include "gapp_ccontainer.h"
@@ -32,42 +33,6 @@ bool inMode(const char *mode)
     return smgr && smgr->existUniqueId(QString::fromLatin1(mode))
            && smgr->getAppMode() == smgr->getUniqueId(QString::fromLatin1(mode));
 }
-
-// What the demo's commands share: sensitive by default, undo-neutral (they do
-// not spoil the recorded history), and the menu form runs the script form
-// with the current parameters.
-class DemoCommand : public Command
-{
-public:
-    DemoCommand(const char *name, const char *menuName, const char *icon, bool toggle = false,
-                bool menuFunction = true)
-        : Command(menuFunction, toggle, QString::fromLatin1(name), QString::fromLatin1(menuName),
-                  QString::fromLatin1(name), icon)
-    {
-    }
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return isMenuSensitive(); }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool isUndoRedoPossible() const override { return true; }
-    bool executeMenu() override
-    {
-        QString result, code;
-        ErrorLog log;
-        return executeScript(&result, &code, &log);
-    }
-    using Command::executeScript;
-
-protected:
-    static bool fail(QString *code, ErrorLog *log, const char *errorCode, const QString &text)
-    {
-        *code = QString::fromLatin1(errorCode);
-        *log << text << END_LOG;
-        return false;
-    }
-};
 
 class ExitCommand : public DemoCommand
 {
@@ -126,7 +91,7 @@ public:
         try {
             _file = Parse::getString(p, QStringLiteral("file"));
         } catch (const Exception &e) {
-            return fail(code, log, PARAMETER_ERROR, createErrorString(e.getText()));
+            return parameterError(e, code, log);
         }
         return true;
     }
@@ -159,7 +124,7 @@ public:
             _file = Parse::hasKey(p, QStringLiteral("file")) ? Parse::getString(p, QStringLiteral("file"))
                                                              : doc().fileName();
         } catch (const Exception &e) {
-            return fail(code, log, PARAMETER_ERROR, createErrorString(e.getText()));
+            return parameterError(e, code, log);
         }
         return true;
     }
@@ -214,7 +179,7 @@ public:
             _from = Parse::getInt(p, QStringLiteral("from"), 1, count);
             _to = Parse::getInt(p, QStringLiteral("to"), 1, count);
         } catch (const Exception &e) {
-            return fail(code, log, PARAMETER_ERROR, createErrorString(e.getText()));
+            return parameterError(e, code, log);
         }
         return true;
     }
@@ -245,7 +210,7 @@ public:
         try {
             _tol = Parse::getDouble(p, QStringLiteral("tol"), 0.0, 10.0);
         } catch (const Exception &e) {
-            return fail(code, log, PARAMETER_ERROR, createErrorString(e.getText()));
+            return parameterError(e, code, log);
         }
         return true;
     }
@@ -351,7 +316,7 @@ public:
         try {
             _mode = Parse::getString(p, QStringLiteral("mode"));
         } catch (const Exception &e) {
-            return fail(code, log, PARAMETER_ERROR, createErrorString(e.getText()));
+            return parameterError(e, code, log);
         }
         return true;
     }

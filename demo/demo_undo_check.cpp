@@ -1,4 +1,5 @@
 #include "demo_undo_check.h"
+#include "demo_command.h"
 #include "demo_document.h"
 #include "gapp_ccontainer.h"
 #include "gapp_command.h"
@@ -76,16 +77,11 @@ public:
 };
 
 // Moves one point; "edit.move_point index=2 dz=0.5" (offsets default to 0).
-class MovePointCommand : public Command
+class MovePointCommand : public DemoCommand
 {
 public:
-    explicit MovePointCommand(const char *name = "edit.move_point")
-        : Command(true, false, QString::fromLatin1(name), QStringLiteral("&Move point"), QString())
-    {
-    }
-    bool isChecked() const override { return false; }
+    explicit MovePointCommand(const char *name = "edit.move_point") : DemoCommand(name, "&Move point", nullptr) {}
     bool isMenuSensitive() const override { return !doc().points().empty(); }
-    bool isScriptSensitive() const override { return isMenuSensitive(); }
     QString getParameterString() override
     {
         return Parse::createInt(QStringLiteral("index"), _index) + QLatin1Char(' ')
@@ -100,19 +96,9 @@ public:
             _index = Parse::getInt(p, QStringLiteral("index"), 0, int(doc().points().size()) - 1);
             _offset = QVector3D(float(offset(p, "dx")), float(offset(p, "dy")), float(offset(p, "dz")));
         } catch (const Exception &e) {
-            *code = QString::fromLatin1(PARAMETER_ERROR);
-            *log << createErrorString(e.getText()) << END_LOG;
-            return false;
+            return parameterError(e, code, log);
         }
         return true;
-    }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool isUndoRedoPossible() const override { return true; }
-    bool executeMenu() override
-    {
-        QString result, code;
-        ErrorLog log;
-        return executeScript(&result, &code, &log);
     }
     bool executeScript(QString *result, QString *, ErrorLog *) override
     {
