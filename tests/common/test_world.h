@@ -3,6 +3,7 @@
 // configuration levels and a layout file, and a command that does nothing.
 // Header-only and free of QtTest, so the benchmarks can use it too.
 #include "gapp_command.h"
+#include "gapp_status_data.h"
 #include "zal_os.h"
 #include <QDir>
 #include <QFile>
@@ -68,6 +69,31 @@ public:
         return true;
     }
     int runs = 0;
+};
+
+// The status data of one mode with nothing but the obligatory answers: it
+// holds no data and allows every mode change and exit.
+class StubStatus : public Zal::GApp::StatusData
+{
+public:
+    explicit StubStatus(unsigned int mode, const QString &mainMenu = QStringLiteral("main"),
+                        const QString &view = QString())
+        : StatusData(mode, view), _main_menu(mainMenu)
+    {
+    }
+    QString getMainMenuName() override { return _main_menu; }
+    bool isAppModeChangePossible(unsigned int) override { return true; }
+    bool canExitProgram() override { return true; }
+    void exitProgram() override {}
+    void commitData() override {}
+    bool isEmpty() override { return true; }
+    std::vector<const char *> getAdditionalSelectionNames() override { return {}; }
+    std::vector<QString> getSelectedData(const char *) override { return {}; }
+    std::vector<QString> getAllData() override { return {}; }
+    bool isDataModified(const QString &) const override { return false; }
+
+private:
+    QString _main_menu;
 };
 
 } // namespace TestUtil

@@ -142,22 +142,6 @@ public:
     int scriptRuns = 0;
 };
 
-class ModeStatus : public StatusData
-{
-public:
-    explicit ModeStatus(unsigned int mode) : StatusData(mode, QString()) {}
-    QString getMainMenuName() override { return QStringLiteral("main"); }
-    bool isAppModeChangePossible(unsigned int) override { return true; }
-    bool canExitProgram() override { return true; }
-    void exitProgram() override {}
-    void commitData() override {}
-    bool isEmpty() override { return true; }
-    std::vector<const char *> getAdditionalSelectionNames() override { return {}; }
-    std::vector<QString> getSelectedData(const char *) override { return {}; }
-    std::vector<QString> getAllData() override { return {}; }
-    bool isDataModified(const QString &) const override { return false; }
-};
-
 QStringList differencesOf(const QString &command, TokenObject &a, TokenObject &b)
 {
     QStringList differences;
@@ -205,8 +189,8 @@ class TestDebug : public QObject
             auto *smgr = new AppStatusManager;
             measure = smgr->getUniqueId(QStringLiteral("measure"));
             inspect = smgr->getUniqueId(QStringLiteral("inspect"));
-            smgr->setStatusData(measure, new ModeStatus(measure));
-            smgr->setStatusData(inspect, new ModeStatus(inspect));
+            smgr->setStatusData(measure, new TestUtil::StubStatus(measure));
+            smgr->setStatusData(inspect, new TestUtil::StubStatus(inspect));
             window = new MainWindow("undo check test", smgr, InitLibrary(), args);
             smgr->setAppMode(inspect);
             part->set(QStringLiteral("x"), Value(1.0));

@@ -65,23 +65,6 @@ public:
     bool visible = true;
 };
 
-class ModeStatus : public StatusData
-{
-public:
-    ModeStatus(unsigned int mode, const QString &menu) : StatusData(mode, QString()), _menu(menu) {}
-    QString getMainMenuName() override { return _menu; }
-    bool isAppModeChangePossible(unsigned int) override { return true; }
-    bool canExitProgram() override { return true; }
-    void exitProgram() override {}
-    void commitData() override {}
-    bool isEmpty() override { return true; }
-    std::vector<const char *> getAdditionalSelectionNames() override { return {}; }
-    std::vector<QString> getSelectedData(const char *) override { return {}; }
-    std::vector<QString> getAllData() override { return {}; }
-    bool isDataModified(const QString &) const override { return false; }
-    QString _menu;
-};
-
 QByteArray captureStderr(const std::function<void()> &fn)
 {
     QTemporaryFile file;
@@ -449,8 +432,8 @@ private slots:
         QStringList args{QStringLiteral("prog")};
         auto *smgr = new AppStatusManager;
         std::unique_ptr<MainWindow> win(new MainWindow("menu test", smgr, InitLibrary(), args));
-        smgr->setStatusData(1, new ModeStatus(1, QStringLiteral("measure")));
-        smgr->setStatusData(2, new ModeStatus(2, QStringLiteral("inspect")));
+        smgr->setStatusData(1, new TestUtil::StubStatus(1, QStringLiteral("measure")));
+        smgr->setStatusData(2, new TestUtil::StubStatus(2, QStringLiteral("inspect")));
         const auto bar = [&] {
             QStringList titles;
             for (QAction *a : win->menuBar()->actions())

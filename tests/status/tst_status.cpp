@@ -116,23 +116,6 @@ private:
     QStringList *_journal;
 };
 
-// A status data with nothing but the obligatory answers, to see the defaults.
-class PlainStatus : public StatusData
-{
-public:
-    PlainStatus() : StatusData(3, QStringLiteral("view3")) {}
-    QString getMainMenuName() override { return QString(); }
-    bool isAppModeChangePossible(unsigned int) override { return true; }
-    bool canExitProgram() override { return true; }
-    void exitProgram() override {}
-    void commitData() override {}
-    bool isEmpty() override { return true; }
-    std::vector<const char *> getAdditionalSelectionNames() override { return {}; }
-    std::vector<QString> getSelectedData(const char *) override { return {}; }
-    std::vector<QString> getAllData() override { return {}; }
-    bool isDataModified(const QString &) const override { return false; }
-};
-
 class JournalNotifier : public ExitNotifier
 {
 public:
@@ -228,7 +211,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         QFETCH(QString, magic);
         QFETCH(bool, match);
-        const PlainStatus status;
+        const TestUtil::StubStatus status(3, QString(), QStringLiteral("view3"));
         const std::vector<char> v(bytes.begin(), bytes.end());
         QCOMPARE(status.checkMagicHeader(v, magic), match);
     }
@@ -246,7 +229,7 @@ private slots:
     void unofferedOperationsAnswerNotInThisMode()
     {
         QFETCH(int, operation);
-        PlainStatus s;
+        TestUtil::StubStatus s(3, QString(), QStringLiteral("view3"));
         QString code;
         QString other;
         ErrorLog log;
@@ -269,7 +252,7 @@ private slots:
 
     void defaultAnswers()
     {
-        PlainStatus s;
+        TestUtil::StubStatus s(3, QString(), QStringLiteral("view3"));
         QCOMPARE(s.getLocalMode(), 3u);
         QCOMPARE(s.getStandardView(), QStringLiteral("view3"));
         QVERIFY(!s.isReadOnly());
