@@ -176,11 +176,12 @@ bool ShellExecuter::execute(const std::vector<QString> &args, const QString &inp
             if (log)
                 *log << translate("GApp_ShellExecuter_err", "can't start shell process") << END_LOG;
         } else {
-            if (!input.isEmpty())
+            // Only given input is followed by its end; without input the
+            // channel stays open and a program that reads it waits for Escape.
+            if (!input.isEmpty()) {
                 _process->write(input.toUtf8());
-            // Also without input: a program that reads its standard input
-            // sees its end instead of waiting for input nobody sends.
-            _process->closeWriteChannel();
+                _process->closeWriteChannel();
+            }
 
             {
                 InputLock lock(window);

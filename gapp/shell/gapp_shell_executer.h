@@ -10,7 +10,8 @@ namespace GApp {
 // Runs an external program synchronously from the GUI thread: the GUI keeps
 // repainting but takes no input, and Escape offers to abort the program.
 // args: the program, then its arguments. input, if not empty, goes to the
-// program's standard input (UTF-8); its standard input is closed either way.
+// program's standard input (UTF-8), which is then closed; without input it
+// stays open, so a program that reads it waits until the user aborts.
 // output and errorOutput (may be null) receive what it wrote, less one
 // trailing line feed. *aborted is set to true only when the user aborted.
 // Failures are written to log (may be null). True only when the program

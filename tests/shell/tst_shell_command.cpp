@@ -137,8 +137,11 @@ void TestShellCommand::programResults_data()
                                         << "out" << "err" << QStringList();
     QTest::newRow("input on standard input") << QStringList{sh, c, "cat"} << QStringLiteral("h\u00e9llo\nw\u00f6rld")
                                              << true << QStringLiteral("h\u00e9llo\nw\u00f6rld") << "" << QStringList();
-    QTest::newRow("standard input closed without input") << QStringList{sh, c, "cat"} << QString() << true << ""
-                                                         << "" << QStringList();
+    QTest::newRow("standard input left open without input") << QStringList{HELPER, "stdin-state"} << QString()
+                                                            << true << "open" << "" << QStringList();
+    QTest::newRow("standard input closed after input") << QStringList{sh, c, "cat >/dev/null; " + HELPER + " stdin-state"}
+                                                       << QStringLiteral("x") << true << "closed" << ""
+                                                       << QStringList();
     QTest::newRow("exit code with error text")
         << QStringList{sh, c, "echo bad >&2; exit 3"} << QString() << false << "" << "bad"
         << QStringList{"can't execute: /bin/sh -c echo bad >&2; exit 3\nexit code 3\nbad"};

@@ -7,6 +7,8 @@
 //   qt-messages         a Qt warning, then a fatal message, through the library's handler
 //   ignore-term FIFO    ignores terminate requests, writes "ready" into FIFO, waits 60
 //                       seconds for a kill, then prints "survived"
+//   stdin-state         prints "open" while its standard input has neither data
+//                       nor an end, else "closed"; never waits for it
 #include "gapp_application.h"
 #include "gapp_init.h"
 #include "zal_cfg.h"
@@ -18,6 +20,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <poll.h>
 
 using namespace Zal;
 
@@ -66,11 +69,17 @@ int main(int argc, char **argv)
         std::printf("survived\n");
         return 0;
     }
+    if (std::strcmp(verb, "stdin-state") == 0) {
+        pollfd in{0, POLLIN, 0};
+        const int ready = ::poll(&in, 1, 0);
+        std::printf("%s\n", ready == 0 ? "open" : "closed");
+        return 0;
+    }
     if (std::strcmp(verb, "qt-messages") == 0) {
         qInstallMessageHandler(GApp::qtMessageHandler);
         qWarning("careful");
         qFatal("boom");
     }
-    std::fprintf(stderr, "usage: zal_test_helper pid|sleep N|exit N|cfg-temp-name F|cfg-save-loop F|qt-messages|ignore-term FIFO\n");
+    std::fprintf(stderr, "usage: zal_test_helper pid|sleep N|exit N|cfg-temp-name F|cfg-save-loop F|qt-messages|ignore-term FIFO|stdin-state\n");
     return 2;
 }
