@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSemaphore>
+#include <QSignalSpy>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolButton>
@@ -495,4 +496,19 @@ void TestBackground::failureInTheLoopRestoresStateAndThrows()
     QVERIFY(!cancelButton(w)->isEnabled());
     QVERIFY(!QApplication::overrideCursor());
     QCOMPARE(runningLoops(w), 0);
+}
+
+void TestBackground::timedMessageLeavesThePreMessage()
+{
+    MainWindow *w = _f->window;
+    w->setPreMessage(QStringLiteral("pre"));
+    w->setMessage(QStringLiteral("for a moment"), 1);
+    QCOMPARE(w->getStatusText(), QStringLiteral("pre: for a moment"));
+    QSignalSpy changed(w->statusBar(), &QStatusBar::messageChanged);
+    QVERIFY(changed.wait());
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(w->getStatusText(), QStringLiteral("pre: "));
+    // The message itself is gone, not only its display.
+    w->setPreMessage(QStringLiteral("other"));
+    QCOMPARE(w->getStatusText(), QStringLiteral("other: "));
 }

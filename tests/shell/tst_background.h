@@ -26,4 +26,5 @@ private slots:
     void otherThreadsSeeTheRunningFlag();
     void nestedRunRestoresTheOuterRun();
     void failureInTheLoopRestoresStateAndThrows();
+    void timedMessageLeavesThePreMessage();
 };
