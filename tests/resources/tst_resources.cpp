@@ -15,6 +15,7 @@
 #include <QIcon>
 #include <QImage>
 #include <QMenu>
+#include <QRandomGenerator>
 #include <QToolBar>
 #include <QToolButton>
 #include <QtTest>
@@ -391,6 +392,44 @@ private slots:
         QVERIFY(action->icon().isNull());
         for (const QString &name : kept)
             QVERIFY(IconSetContainer::getIconSet(name));
+    }
+
+    // Random damage of a real file (bytes changed, cut, inserted, removed; a
+    // fixed seed): every reading ends with an answer and a log that agrees
+    // with it, and the intact file reads back afterwards.
+    void randomlyDamagedFilesAreAnsweredCleanly()
+    {
+        TestUtil::Environment env;
+        IconSetContainer::setIcon(u"a.first"_s, samplePixmap());
+        IconSetContainer::setIcon(u"b.second"_s, samplePixmap(qRgba(9, 8, 7, 255)));
+        ErrorLog log;
+        QVERIFY(IconSetContainer::saveStandard(&log));
+        const QString path = iconFile(Cfg::LEVEL_USER);
+        const QByteArray good = readAll(path);
+        QRandomGenerator random(20261123);
+        int accepted = 0;
+        for (int run = 0; run < 400; ++run) {
+            QByteArray bytes = good;
+            for (int n = 1 + random.bounded(4); n > 0 && !bytes.isEmpty(); --n) {
+                const int at = random.bounded(bytes.size());
+                switch (random.bounded(4)) {
+                case 0: bytes[at] = char(random.bounded(256)); break;
+                case 1: bytes.truncate(at); break;
+                case 2: bytes.insert(at, char(random.bounded(256))); break;
+                default: bytes.replace(at, 4, QByteArray(4, '\xff')); break;
+                }
+            }
+            TestUtil::writeFile(path, bytes);
+            ErrorLog damaged;
+            const bool ok = IconSetContainer::loadStandard(&damaged);
+            QCOMPARE(damaged.isEmpty(), ok);
+            accepted += ok;
+        }
+        QVERIFY(accepted < 400);
+        TestUtil::writeFile(path, good);
+        QVERIFY(IconSetContainer::loadStandard(&log));
+        QCOMPARE(pixels(IconSetContainer::getIconSet(u"b.second"_s)->pixmap(QSize(3, 2))),
+                 pixels(samplePixmap(qRgba(9, 8, 7, 255))));
     }
 
     void userLevelWinsOverSharedLevel()
