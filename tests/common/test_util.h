@@ -3,6 +3,7 @@
 // Helpers shared by the test suites.
 #include <QDir>
 #include <QFile>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cstdio>
@@ -28,6 +29,28 @@ template <class F> QByteArray captureStdout(F fn)
     QFile in(path);
     in.open(QIODevice::ReadOnly);
     return in.readAll();
+}
+
+// A copy of a file's bytes with 1 to 4 random kinds of damage: a byte
+// changed, the end cut off, a byte inserted, four bytes set to 0xff.
+inline QByteArray damaged(QByteArray bytes, QRandomGenerator &random)
+{
+    for (int n = 1 + random.bounded(4); n > 0 && !bytes.isEmpty(); --n) {
+        const int at = random.bounded(bytes.size());
+        switch (random.bounded(4)) {
+        case 0: bytes[at] = char(random.bounded(256)); break;
+        case 1: bytes.truncate(at); break;
+        case 2: bytes.insert(at, char(random.bounded(256))); break;
+        default: bytes.replace(at, 4, QByteArray(4, '\xff')); break;
+        }
+    }
+    return bytes;
+}
+
+inline QByteArray readFile(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 inline void writeFile(const QString &path, const QByteArray &data)

@@ -15,7 +15,6 @@
 #include <QIcon>
 #include <QImage>
 #include <QMenu>
-#include <QRandomGenerator>
 #include <QToolBar>
 #include <QToolButton>
 #include <QtTest>
@@ -98,12 +97,6 @@ struct Writer
     }
     IO::OutStream out;
 };
-
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 // A main window on an empty layout, deleted (with the library's static data)
 // at the end of the scope.
@@ -352,7 +345,7 @@ private slots:
                 w.name(u"meas.point"_s);
                 w.pixmap(16, 16);
             }
-            const QByteArray whole = readAll(path);
+            const QByteArray whole = TestUtil::readFile(path);
             TestUtil::writeFile(path, whole.left(whole.size() - 100));
         } else if (damage == "huge block") { // a block header announcing 4 GiB
             {
@@ -360,7 +353,7 @@ private slots:
                 w.count(1);
                 w.name(u"meas.point"_s);
             }
-            QByteArray bytes = readAll(path);
+            QByteArray bytes = TestUtil::readFile(path);
             bytes += QByteArray::fromHex("fffffff000000001");
             bytes += QByteArray(16, '\0');
             TestUtil::writeFile(path, bytes);
@@ -394,8 +387,7 @@ private slots:
             QVERIFY(IconSetContainer::getIconSet(name));
     }
 
-    // Random damage of a real file (bytes changed, cut, inserted, removed; a
-    // fixed seed): every reading ends with an answer and a log that agrees
+    // Random damage of a real file (a fixed seed): every reading ends with an answer and a log that agrees
     // with it, and the intact file reads back afterwards.
     void randomlyDamagedFilesAreAnsweredCleanly()
     {
@@ -405,21 +397,11 @@ private slots:
         ErrorLog log;
         QVERIFY(IconSetContainer::saveStandard(&log));
         const QString path = iconFile(Cfg::LEVEL_USER);
-        const QByteArray good = readAll(path);
+        const QByteArray good = TestUtil::readFile(path);
         QRandomGenerator random(20261123);
         int accepted = 0;
         for (int run = 0; run < 400; ++run) {
-            QByteArray bytes = good;
-            for (int n = 1 + random.bounded(4); n > 0 && !bytes.isEmpty(); --n) {
-                const int at = random.bounded(bytes.size());
-                switch (random.bounded(4)) {
-                case 0: bytes[at] = char(random.bounded(256)); break;
-                case 1: bytes.truncate(at); break;
-                case 2: bytes.insert(at, char(random.bounded(256))); break;
-                default: bytes.replace(at, 4, QByteArray(4, '\xff')); break;
-                }
-            }
-            TestUtil::writeFile(path, bytes);
+            TestUtil::writeFile(path, TestUtil::damaged(good, random));
             ErrorLog damaged;
             const bool ok = IconSetContainer::loadStandard(&damaged);
             QCOMPARE(damaged.isEmpty(), ok);
@@ -447,9 +429,9 @@ private slots:
         // Saving writes the user level only; from then on that file is read.
         IconSetContainer::setIcon(u"user.icon"_s, samplePixmap());
         IconSetContainer::clearIcon(u"shared.icon"_s);
-        const QByteArray shared = readAll(iconFile(Cfg::LEVEL_SHARED));
+        const QByteArray shared = TestUtil::readFile(iconFile(Cfg::LEVEL_SHARED));
         QVERIFY(IconSetContainer::saveStandard(&log));
-        QCOMPARE(readAll(iconFile(Cfg::LEVEL_SHARED)), shared);
+        QCOMPARE(TestUtil::readFile(iconFile(Cfg::LEVEL_SHARED)), shared);
         QVERIFY(IconSetContainer::loadStandard(&log));
         QVERIFY(IconSetContainer::getIconSet(u"user.icon"_s));
         QVERIFY(!IconSetContainer::getIconSet(u"shared.icon"_s));

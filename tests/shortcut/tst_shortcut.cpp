@@ -307,6 +307,36 @@ private slots:
         QCOMPARE(describe(defaultMap()->getShortcuts()), describe(defaultMap()->getDefaultShortcuts()));
         QCOMPARE(defaultMap()->getShortcuts()[5].command, u"sys.undo"_s);
     }
+
+    // Random damage of a real difference file (a fixed seed): every reading
+    // ends with an answer that agrees with the log, a failed one leaves the
+    // defaults, and the intact file reads back afterwards.
+    void randomlyDamagedFilesAreAnsweredCleanly()
+    {
+        std::vector<Shortcut> changed = defaultMap()->getShortcuts();
+        changed[5].command = u"sys.set_mode"_s;
+        changed.erase(changed.begin() + 3);
+        changed.push_back({u"sys.exit_program"_s, QString(), (Qt::CTRL | Qt::Key_E).toCombined()});
+        defaultMap()->setShortcuts(changed);
+        ErrorLog log;
+        QVERIFY(ShortcutContainer::save(&log));
+        const QByteArray good = TestUtil::readFile(userFile());
+        QRandomGenerator random(20261123);
+        int accepted = 0;
+        for (int run = 0; run < 400; ++run) {
+            TestUtil::writeFile(userFile(), TestUtil::damaged(good, random));
+            ErrorLog damaged;
+            const bool ok = ShortcutContainer::load(&damaged);
+            QCOMPARE(damaged.isEmpty(), ok);
+            if (!ok)
+                QCOMPARE(describe(defaultMap()->getShortcuts()), describe(defaultMap()->getDefaultShortcuts()));
+            accepted += ok;
+        }
+        QVERIFY(accepted < 400);
+        TestUtil::writeFile(userFile(), good);
+        QVERIFY(ShortcutContainer::load(&log));
+        QCOMPARE(describe(defaultMap()->getShortcuts()), describe(changed));
+    }
 };
 
 QTEST_MAIN(TestShortcut)

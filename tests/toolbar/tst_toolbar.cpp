@@ -633,6 +633,43 @@ private slots:
             QVERIFY2(log.getText().startsWith(logged), qPrintable(log.getText()));
     }
 
+    // Random damage of a real file (a fixed seed): every reading ends with an
+    // answer that agrees with the log, a failed one leaves the defaults, and
+    // the intact file reads back afterwards.
+    void randomlyDamagedFilesAreAnsweredCleanly()
+    {
+        TestUtil::Environment env;
+        ToolBarFile file;
+        for (const char *name : {"x.y", "u.one", "u.two"})
+            new TestCommand(QLatin1String(name));
+        loadSection("<toolbar name='custom_tb' translate_section='s'><entry>x.y</entry></toolbar>");
+        ToolBarData *custom = ToolBarContainer::getCustomToolBar();
+        std::vector<Item> items = custom->getItems();
+        items.push_back({Item::COMMAND, 2, true, u"u.one"_s});
+        items.push_back({Item::SEPARATOR, 2, false, QString()});
+        items.push_back({Item::COMMAND, 2, false, u"u.two"_s});
+        custom->setCommands(items);
+        ErrorLog log;
+        QVERIFY(ToolBarContainer::save(&log));
+        const QString path = filePath(2);
+        const QByteArray good = TestUtil::readFile(path);
+        QRandomGenerator random(20261123);
+        int accepted = 0;
+        for (int run = 0; run < 400; ++run) {
+            TestUtil::writeFile(path, TestUtil::damaged(good, random));
+            ErrorLog damaged;
+            const bool ok = ToolBarContainer::load(&damaged);
+            QCOMPARE(damaged.isEmpty(), ok);
+            if (!ok)
+                QCOMPARE(describe(custom->getItems()), QStringList({"x.y"}));
+            accepted += ok;
+        }
+        QVERIFY(accepted < 400);
+        TestUtil::writeFile(path, good);
+        QVERIFY(ToolBarContainer::load(&log));
+        QCOMPARE(describe(custom->getItems()), QStringList({"x.y", "u.one*", "-", "u.two"}));
+    }
+
     void sharedLevelBeforeUserLevel()
     {
         TestUtil::Environment env;
