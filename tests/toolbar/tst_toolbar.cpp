@@ -104,6 +104,7 @@ struct Window
         QStringList args{u"prog"_s};
         win = new MainWindow("toolbar test", smgr = new AppStatusManager, InitLibrary(), args);
         bar = win->addToolBar(u"bar"_s);
+        bar->setObjectName(u"bar"_s);
     }
     ~Window() { delete win; }
     QToolBar *widget(const char *name) { return ToolBarContainer::getToolBar(QLatin1String(name))->widget(); }
@@ -259,6 +260,42 @@ private slots:
         QVERIFY(w.widget("X") && !w.widget("T1"));
         QCOMPARE(w.win->toolBarArea(w.widget("X")), Qt::BottomToolBarArea);
         QCOMPARE(w.widget("X")->actions().size(), 1);
+    }
+
+    // A long session of switches: the toolbars that go take their buttons,
+    // group widgets and menus with them.
+    void switchesLeaveNothingBehind()
+    {
+        for (const char *name : {"a.one", "a.two", "a.three"})
+            new TestCommand(QLatin1String(name));
+        auto *group = new ToolBarGroupCommand(false, u"g.group"_s, u"Group"_s);
+        group->setCommand(CommandContainer::getCommand(u"a.one"_s));
+        group->setCommand(CommandContainer::getCommand(u"a.two"_s));
+        Window w("<toolbar name='S' translate_section='s'><entry>a.one</entry><entry>g.group</entry></toolbar>"
+                 "<toolbar name='X' translate_section='s'><entry>a.two</entry><sep/><entry>g.group</entry>"
+                 "<entry show_name='1'>g.group</entry></toolbar>"
+                 "<toolbar name='Y' translate_section='s' edge='left'><entry>a.three</entry><entry>g.group</entry></toolbar>",
+                 "<menubar name='first'><toolbar>S</toolbar><toolbar>X</toolbar></menubar>"
+                 "<menubar name='second'><toolbar>S</toolbar><toolbar>Y</toolbar></menubar>");
+        w.win->show();
+        const auto settle = [] {
+            QCoreApplication::sendPostedEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        };
+        const auto round = [&] {
+            MenuDataContainer::createMainMenu(u"first"_s);
+            settle();
+            MenuDataContainer::createMainMenu(u"second"_s);
+            settle();
+        };
+        round();
+        const qsizetype objects = w.win->findChildren<QObject *>().size();
+        const qsizetype widgets = QApplication::allWidgets().size();
+        for (int i = 0; i < 100; ++i)
+            round();
+        QCOMPARE(w.win->findChildren<QObject *>().size(), objects);
+        QCOMPARE(QApplication::allWidgets().size(), widgets);
+        QVERIFY(w.widget("Y")->findChild<ToolBarGroupButton *>() && !w.widget("X"));
     }
 
     // The user's arrangement of a main menu's toolbars comes back with the
