@@ -1,9 +1,11 @@
 #pragma once
 #include "test_world.h"
+#include "zal_errorlog.h"
 // Helpers shared by the test suites.
 #include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cstdio>
@@ -58,6 +60,32 @@ inline void writeFile(const QString &path, const QByteArray &data)
     QFile f(path);
     QVERIFY2(f.open(QIODevice::WriteOnly), qPrintable(path));
     f.write(data);
+}
+
+// Reads `runs` randomly damaged copies of `good` (a fixed seed) from `path`
+// with `load` (true when read, the messages into the log): each answer must
+// agree with the log, and `afterFailure` checks what a refusal left behind.
+// At least one copy must be refused.
+template <class Load, class AfterFailure>
+void readDamagedCopies(const QString &path, const QByteArray &good, int runs, Load load,
+                       AfterFailure afterFailure)
+{
+    // The intact file is back however the loop ends.
+    const auto restore = qScopeGuard([&] { writeFile(path, good); });
+    QRandomGenerator random(20261123);
+    int accepted = 0;
+    for (int run = 0; run < runs; ++run) {
+        writeFile(path, damaged(good, random));
+        Zal::ErrorLog log;
+        const bool ok = load(&log);
+        QCOMPARE(log.isEmpty(), ok);
+        if (!ok)
+            afterFailure();
+        if (QTest::currentTestFailed())
+            return;
+        accepted += ok;
+    }
+    QVERIFY(accepted < runs);
 }
 
 // The test form of the world: a layout file that cannot be written fails the test.
