@@ -62,7 +62,7 @@ inline void writeFile(const QString &path, const QByteArray &data)
     f.write(data);
 }
 
-// Reads `runs` randomly damaged copies of `good` (a fixed seed) from `path`
+// Reads `runs` randomly damaged copies of `good` (the same random sequence every run) from `path`
 // with `load` (true when read, the messages into the log): each answer must
 // agree with the log, and `afterFailure` checks what a refusal left behind.
 // At least one copy must be refused.

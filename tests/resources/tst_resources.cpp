@@ -387,7 +387,7 @@ private slots:
             QVERIFY(IconSetContainer::getIconSet(name));
     }
 
-    // Random damage of a real file (a fixed seed): every reading ends with an answer and a log that agrees
+    // Random damage of a real file (the same random sequence every run): every reading ends with an answer and a log that agrees
     // with it, and the intact file reads back afterwards.
     void randomlyDamagedFilesAreAnsweredCleanly()
     {

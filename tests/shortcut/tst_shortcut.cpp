@@ -308,7 +308,7 @@ private slots:
         QCOMPARE(defaultMap()->getShortcuts()[5].command, u"sys.undo"_s);
     }
 
-    // Random damage of a real difference file (a fixed seed): every reading
+    // Random damage of a real difference file (the same random sequence every run): every reading
     // ends with an answer that agrees with the log, a failed one leaves the
     // defaults, and the intact file reads back afterwards.
     void randomlyDamagedFilesAreAnsweredCleanly()

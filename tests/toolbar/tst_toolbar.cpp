@@ -670,7 +670,7 @@ private slots:
             QVERIFY2(log.getText().startsWith(logged), qPrintable(log.getText()));
     }
 
-    // Random damage of a real file (a fixed seed): every reading ends with an
+    // Random damage of a real file (the same random sequence every run): every reading ends with an
     // answer that agrees with the log, a failed one leaves the defaults, and
     // the intact file reads back afterwards.
     void randomlyDamagedFilesAreAnsweredCleanly()
