@@ -62,8 +62,8 @@ inline void writeFile(const QString &path, const QByteArray &data)
     f.write(data);
 }
 
-// Reads `runs` randomly damaged copies of `good` (the same random sequence every run) from `path`
-// with `load` (true when read, the messages into the log): each answer must
+// Reads `runs` randomly damaged copies of `good` (the same ones every run)
+// from `path` with `load` (true when read, the messages into the log): each answer must
 // agree with the log, and `afterFailure` checks what a refusal left behind.
 // At least one copy must be refused.
 template <class Load, class AfterFailure>

@@ -387,8 +387,8 @@ private slots:
             QVERIFY(IconSetContainer::getIconSet(name));
     }
 
-    // Random damage of a real file (the same random sequence every run): every reading ends with an answer and a log that agrees
-    // with it, and the intact file reads back afterwards.
+    // Random damage of a real file, the same every run: every reading ends
+    // with an answer that agrees with its log, and the intact file reads back.
     void randomlyDamagedFilesAreAnsweredCleanly()
     {
         TestUtil::Environment env;
