@@ -308,9 +308,8 @@ private slots:
         QCOMPARE(defaultMap()->getShortcuts()[5].command, u"sys.undo"_s);
     }
 
-    // Random damage of a real difference file (the same random sequence every run): every reading
-    // ends with an answer that agrees with the log, a failed one leaves the
-    // defaults, and the intact file reads back afterwards.
+    // Random damage of a real file, the same every run: a refused reading
+    // leaves the defaults, and the intact file reads back afterwards.
     void randomlyDamagedFilesAreAnsweredCleanly()
     {
         std::vector<Shortcut> changed = defaultMap()->getShortcuts();

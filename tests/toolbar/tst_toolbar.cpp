@@ -670,9 +670,8 @@ private slots:
             QVERIFY2(log.getText().startsWith(logged), qPrintable(log.getText()));
     }
 
-    // Random damage of a real file (the same random sequence every run): every reading ends with an
-    // answer that agrees with the log, a failed one leaves the defaults, and
-    // the intact file reads back afterwards.
+    // Random damage of a real file, the same every run: a refused reading
+    // leaves the defaults, and the intact file reads back afterwards.
     void randomlyDamagedFilesAreAnsweredCleanly()
     {
         TestUtil::Environment env;
