@@ -434,12 +434,23 @@ std::FILE *openForReading(const QString &fileName)
     return OS::openStdStream(fileName, "rb");
 }
 
-// The chosen type so far and the candidate: the first candidate is taken,
-// later ones only when they are the active type.
-void choose(unsigned int *chosen, unsigned int candidate, unsigned int active)
+// The type that reads a file: the active one when it can, else the first
+// that can, NO_MODE when none can. The types are asked in order until the
+// active one has answered yes.
+template <class CanRead>
+unsigned int readingMode(const std::map<unsigned int, StatusData *> &types, unsigned int active,
+                         CanRead canRead)
 {
-    if (*chosen == NO_MODE || candidate == active)
-        *chosen = candidate;
+    unsigned int chosen = NO_MODE;
+    for (const auto &entry : types) {
+        if (!canRead(entry.second))
+            continue;
+        if (chosen == NO_MODE || entry.first == active)
+            chosen = entry.first;
+        if (chosen == active)
+            break;
+    }
+    return chosen;
 }
 
 } // namespace
@@ -658,13 +669,7 @@ bool AppStatusManager::getFileInfo(const QString &fileName, unsigned int *mode, 
 
     Image::FileType_t imageType = Image::TYPE_UNKNOWN;
     if (Image::getFileType(fileName, &imageType)) {
-        for (const auto &entry : _status_data) {
-            if (!entry.second->canOpenImage())
-                continue;
-            choose(mode, entry.first, _app_mode);
-            if (*mode == _app_mode)
-                return true;
-        }
+        *mode = readingMode(_status_data, _app_mode, [](StatusData *type) { return type->canOpenImage(); });
         if (*mode != NO_MODE)
             return true;
         appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "cannot identify image type for file %1"), fileName);
@@ -674,13 +679,7 @@ bool AppStatusManager::getFileInfo(const QString &fileName, unsigned int *mode, 
     std::vector<char> bytes;
     if (!readFileContents(fileName, &bytes, log))
         return false;
-    for (const auto &entry : _status_data) {
-        if (!entry.second->canOpenFile(bytes))
-            continue;
-        choose(mode, entry.first, _app_mode);
-        if (*mode == _app_mode)
-            return true;
-    }
+    *mode = readingMode(_status_data, _app_mode, [&bytes](StatusData *type) { return type->canOpenFile(bytes); });
     if (*mode != NO_MODE)
         return true;
     appendToLog(log, QT_TRANSLATE_NOOP("GAPP_err", "cannot identify file type for file %1"), fileName);
