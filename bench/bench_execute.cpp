@@ -20,17 +20,10 @@ using namespace Zal::GApp;
 
 namespace {
 
-class NoOp : public Command
+class NoOp : public TestUtil::StubCommand
 {
 public:
-    NoOp() : Command(false, false, QStringLiteral("bench.noop"), QStringLiteral("No-op"), QString()) {}
-    bool isChecked() const override { return false; }
-    bool isMenuSensitive() const override { return true; }
-    bool isScriptSensitive() const override { return true; }
-    QString getParameterString() override { return QString(); }
-    bool parseParameterString(const QString &, bool, QString *, ErrorLog *) override { return true; }
-    Interactive_t isInteractive() override { return INTERACTIVE_NO; }
-    bool executeMenu() override { return true; }
+    NoOp() : StubCommand(QStringLiteral("bench.noop"), false) {}
     bool executeScript(QString *result, QString *, ErrorLog *) override
     {
         result->clear();
