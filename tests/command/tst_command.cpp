@@ -411,20 +411,14 @@ private slots:
         QTest::addColumn<bool>("needed");
         QTest::addColumn<bool>("synchronized");
         QTest::addColumn<int>("group");
-        QTest::newRow("no menu function")
-            << false << true << QList<int>{3, 5} << QList<int>{5} << false << false << -1;
-        QTest::newRow("nothing active")
-            << true << false << QList<int>{} << QList<int>{5} << true << false << -1;
-        QTest::newRow("nothing declared")
-            << true << true << QList<int>{} << QList<int>{5} << true << false << -1;
-        QTest::newRow("no own groups")
-            << true << true << QList<int>{3, 5} << QList<int>{} << true << false << -1;
-        QTest::newRow("common group")
-            << true << true << QList<int>{3, 5} << QList<int>{5} << false << true << 5;
+        QTest::newRow("no menu function") << false << true << QList<int>{3, 5} << QList<int>{5} << false << false << -1;
+        QTest::newRow("nothing active") << true << false << QList<int>{} << QList<int>{5} << true << false << -1;
+        QTest::newRow("nothing declared") << true << true << QList<int>{} << QList<int>{5} << true << false << -1;
+        QTest::newRow("no own groups") << true << true << QList<int>{3, 5} << QList<int>{} << true << false << -1;
+        QTest::newRow("common group") << true << true << QList<int>{3, 5} << QList<int>{5} << false << true << 5;
         QTest::newRow("first declared wins")
             << true << true << QList<int>{3, 5} << QList<int>{5, 3} << false << true << 3;
-        QTest::newRow("no common group")
-            << true << true << QList<int>{3, 5} << QList<int>{4} << true << false << -1;
+        QTest::newRow("no common group") << true << true << QList<int>{3, 5} << QList<int>{4} << true << false << -1;
     }
     void menuSemaphore()
     {
@@ -461,8 +455,7 @@ private slots:
         QTest::addColumn<bool>("ok");
         QTest::newRow("failed list") << "[1, 2]" << true << QStringList{"1", "2"} << false;
         QTest::newRow("list") << "[a, b, c]" << true << QStringList{"a", "b", "c"} << true;
-        QTest::newRow("nested") << "[1, [2, 3], \"x, y\"]" << true
-                                << QStringList{"1", "[2, 3]", "\"x, y\""} << true;
+        QTest::newRow("nested") << "[1, [2, 3], \"x, y\"]" << true << QStringList{"1", "[2, 3]", "\"x, y\""} << true;
         QTest::newRow("empty list") << "[]" << true << QStringList{} << true;
         QTest::newRow("one element") << "[7]" << true << QStringList{"7"} << true;
         QTest::newRow("single bracket") << "[" << false << QStringList{} << true;
@@ -613,30 +606,14 @@ private slots:
         QTest::addColumn<QString>("params");
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("rest");
-        QTest::newRow("first") << "a=1 b=2"
-                               << "1"
-                               << "b=2";
-        QTest::newRow("last") << "b=2 a=1"
-                              << "1"
-                              << "b=2";
-        QTest::newRow("middle") << "b=2  a=1   c=3"
-                                << "1"
-                                << "b=2  c=3";
-        QTest::newRow("quoted") << "a=\"x y=1\" b=2"
-                                << "x y=1"
-                                << "b=2";
-        QTest::newRow("escaped") << "a=\"q\\\"r\\\\\""
-                                 << "q\"r\\"
-                                 << "";
-        QTest::newRow("vector") << "a=[1, \"]\", [2]] b=2"
-                                << "[1, \"]\", [2]]"
-                                << "b=2";
-        QTest::newRow("inside quotes is no key") << "b=\"a=5\" a=1"
-                                                 << "1"
-                                                 << "b=\"a=5\"";
-        QTest::newRow("keyless vector") << "[a=5] a=1"
-                                        << "1"
-                                        << "[a=5]";
+        QTest::newRow("first") << "a=1 b=2" << "1" << "b=2";
+        QTest::newRow("last") << "b=2 a=1" << "1" << "b=2";
+        QTest::newRow("middle") << "b=2  a=1   c=3" << "1" << "b=2  c=3";
+        QTest::newRow("quoted") << "a=\"x y=1\" b=2" << "x y=1" << "b=2";
+        QTest::newRow("escaped") << "a=\"q\\\"r\\\\\"" << "q\"r\\" << "";
+        QTest::newRow("vector") << "a=[1, \"]\", [2]] b=2" << "[1, \"]\", [2]]" << "b=2";
+        QTest::newRow("inside quotes is no key") << "b=\"a=5\" a=1" << "1" << "b=\"a=5\"";
+        QTest::newRow("keyless vector") << "[a=5] a=1" << "1" << "[a=5]";
     }
     void readersConsumeTheirEntry()
     {
@@ -652,39 +629,18 @@ private slots:
         QTest::addColumn<QString>("params");
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("message");
-        QTest::newRow("missing") << "b=1"
-                                 << "double"
-                                 << "missing parameter 'a'";
-        QTest::newRow("no value") << "a b=1"
-                                  << "int"
-                                  << "missing value for parameter 'a'";
-        QTest::newRow("empty value") << "a= b=1"
-                                     << "int"
-                                     << "missing value for parameter 'a'";
-        QTest::newRow("not a number") << "a=x"
-                                      << "double"
-                                      << "invalid number for parameter 'a': x";
-        QTest::newRow("not finite") << "a=inf"
-                                    << "double"
-                                    << "invalid number for parameter 'a': inf";
-        QTest::newRow("above") << "a=11"
-                               << "double"
-                               << "parameter 'a' out of range [0, 10]: 11";
-        QTest::newRow("int fraction") << "a=1.5"
-                                      << "int"
-                                      << "invalid integer for parameter 'a': 1.5";
-        QTest::newRow("int below") << "a=-1"
-                                   << "int"
-                                   << "parameter 'a' out of range [0, 10]: -1";
-        QTest::newRow("uint sign") << "a=-1"
-                                   << "uint"
-                                   << "invalid unsigned integer for parameter 'a': -1";
-        QTest::newRow("uint overflow") << "a=4294967296"
-                                       << "uint"
+        QTest::newRow("missing") << "b=1" << "double" << "missing parameter 'a'";
+        QTest::newRow("no value") << "a b=1" << "int" << "missing value for parameter 'a'";
+        QTest::newRow("empty value") << "a= b=1" << "int" << "missing value for parameter 'a'";
+        QTest::newRow("not a number") << "a=x" << "double" << "invalid number for parameter 'a': x";
+        QTest::newRow("not finite") << "a=inf" << "double" << "invalid number for parameter 'a': inf";
+        QTest::newRow("above") << "a=11" << "double" << "parameter 'a' out of range [0, 10]: 11";
+        QTest::newRow("int fraction") << "a=1.5" << "int" << "invalid integer for parameter 'a': 1.5";
+        QTest::newRow("int below") << "a=-1" << "int" << "parameter 'a' out of range [0, 10]: -1";
+        QTest::newRow("uint sign") << "a=-1" << "uint" << "invalid unsigned integer for parameter 'a': -1";
+        QTest::newRow("uint overflow") << "a=4294967296" << "uint"
                                        << "invalid unsigned integer for parameter 'a': 4294967296";
-        QTest::newRow("bool") << "a=yes"
-                              << "bool"
-                              << "invalid boolean for parameter 'a': yes";
+        QTest::newRow("bool") << "a=yes" << "bool" << "invalid boolean for parameter 'a': yes";
     }
     void invalidValuesThrowAndKeepTheString()
     {
@@ -780,8 +736,7 @@ private slots:
         QTest::newRow("string") << Variant(QStringLiteral("a b")) << 5 << "a b";
         QTest::newRow("vector") << Variant(BaVec3d<double>(0, 0, 1)) << 6 << "[0, 0, 1]";
         QTest::newRow("name") << Variant::fromName(QStringLiteral("plane 1")) << 7 << "plane 1";
-        QTest::newRow("list") << Variant(std::vector<Variant>{Variant(1), Variant("x")}) << 8
-                              << "[1, x]";
+        QTest::newRow("list") << Variant(std::vector<Variant>{Variant(1), Variant("x")}) << 8 << "[1, x]";
         QTest::newRow("none") << Variant::NONE << 9 << "";
     }
     void variantTextForms()

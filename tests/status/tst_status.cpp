@@ -203,8 +203,7 @@ private slots:
         QTest::newRow("shorter prefix") << QByteArray("GA") << "GAP" << false;
         QTest::newRow("differs") << QByteArray("GAX") << "GAP" << false;
         QTest::newRow("case") << QByteArray("gap") << "GAP" << false;
-        QTest::newRow("latin1") << QByteArray("\xe9t\xe9") << QString::fromLatin1("\xe9t\xe9")
-                                << true;
+        QTest::newRow("latin1") << QByteArray("\xe9t\xe9") << QString::fromLatin1("\xe9t\xe9") << true;
     }
     void checkMagicHeader()
     {
@@ -374,26 +373,18 @@ private slots:
         QTest::addColumn<QString>("function");
         QTest::addColumn<QString>("message");
         const QString f = QStringLiteral("Zal::GApp::AppStatusManager::");
-        QTest::newRow("duplicate type") << 0 << f + "setStatusData"
-                                        << "duplicated application type";
-        QTest::newRow("unknown type") << 1 << f + "getStatus"
-                                      << "invalid application type";
-        QTest::newRow("menu function twice") << 2 << f + "setMenuFunctionActive"
-                                             << "second menu function is active";
-        QTest::newRow("menu function off") << 3 << f + "setMenuFunctionActive"
-                                           << "second menu function is active";
+        QTest::newRow("duplicate type") << 0 << f + "setStatusData" << "duplicated application type";
+        QTest::newRow("unknown type") << 1 << f + "getStatus" << "invalid application type";
+        QTest::newRow("menu function twice") << 2 << f + "setMenuFunctionActive" << "second menu function is active";
+        QTest::newRow("menu function off") << 3 << f + "setMenuFunctionActive" << "second menu function is active";
         QTest::newRow("figure flag") << 4 << f + "setFigureOperationInCommandEnabled"
                                      << "Flag has never been set before";
-        QTest::newRow("pop empty") << 5 << f + "popActiveCommand"
-                                   << "no active command left";
+        QTest::newRow("pop empty") << 5 << f + "popActiveCommand" << "no active command left";
         QTest::newRow("second provider") << 6 << f + "registerSpecialMenuProvider"
                                          << "cannot register second provider for special menu.";
-        QTest::newRow("notifier twice") << 7 << f + "registerExitNotifier"
-                                        << "Exit notifier already registered";
-        QTest::newRow("unknown notifier") << 8 << f + "unregisterExitNotifier"
-                                          << "Exit notifier not registered";
-        QTest::newRow("mode change query") << 9 << f + "getStatus"
-                                           << "invalid application type";
+        QTest::newRow("notifier twice") << 7 << f + "registerExitNotifier" << "Exit notifier already registered";
+        QTest::newRow("unknown notifier") << 8 << f + "unregisterExitNotifier" << "Exit notifier not registered";
+        QTest::newRow("mode change query") << 9 << f + "getStatus" << "invalid application type";
     }
     void progErrorTexts()
     {
@@ -696,8 +687,7 @@ private slots:
         QTest::addColumn<bool>("notifierAgrees");
         QTest::addColumn<bool>("result");
         QTest::addColumn<QStringList>("asked");
-        QTest::newRow("all agree")
-            << true << true << true << QStringList{"1:canExit", "2:canExit", "n:canExit"};
+        QTest::newRow("all agree") << true << true << true << QStringList{"1:canExit", "2:canExit", "n:canExit"};
         QTest::newRow("type refuses") << false << true << false << QStringList{"1:canExit"};
         QTest::newRow("notifier refuses")
             << true << false << false << QStringList{"1:canExit", "2:canExit", "n:canExit"};
