@@ -22,11 +22,6 @@ namespace Demo {
 
 namespace {
 
-Document &doc()
-{
-    return Document::instance();
-}
-
 bool inMode(const char *mode)
 {
     AppStatusManager *smgr = MainWindow::smgr;

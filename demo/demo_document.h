@@ -54,4 +54,10 @@ public:
     void redo() override { Document::instance().undoStack().redo(); }
 };
 
+// The one document, for short.
+inline Document &doc()
+{
+    return Document::instance();
+}
+
 } // namespace Demo

@@ -21,11 +21,6 @@ namespace Demo {
 
 namespace {
 
-Document &doc()
-{
-    return Document::instance();
-}
-
 // The document's file name and size.
 class DocumentObject : public ScriptObject, public TokenInterface
 {
