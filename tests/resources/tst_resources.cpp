@@ -73,15 +73,11 @@ struct Writer
         : out(path, type, version) {}
     void count(unsigned int n, unsigned int version = 1)
     {
-        out.beginBlock(4, version);
-        out.writeUInt(n);
-        out.endBlock();
+        out.beginBlock(4, version), out.writeUInt(n), out.endBlock();
     }
     void name(const QString &n, unsigned int version = 2)
     {
-        out.beginBlock(IO::Stream::sizeOf(n), version);
-        out.writeString(n);
-        out.endBlock();
+        out.beginBlock(IO::Stream::sizeOf(n), version), out.writeString(n), out.endBlock();
     }
     // A pixmap block of w x h of one colour; `colours` may say fewer than w x h.
     void pixmap(unsigned int w, unsigned int h, unsigned int version = 1, qint64 colours = -1,
@@ -95,6 +91,8 @@ struct Writer
             out.writeColor(colour);
         out.endBlock();
     }
+    // A whole file of one icon, `name`, of w x h.
+    void one(const QString &n, unsigned int w, unsigned int h) { count(1), name(n), pixmap(w, h); }
     IO::OutStream out;
 };
 
@@ -135,9 +133,6 @@ private slots:
         if (GTools::Documentation::instance())
             Documentation::deinitialize();
     }
-
-    // --- icon sets: commands, actions and buttons --------------------------------------
-
     void commandActionAndButtonFollowTheUserIcon()
     {
         auto *cmd = new Cmd(u"meas.point"_s);
@@ -160,7 +155,6 @@ private slots:
             QCOMPARE(action->icon().cacheKey(), user->cacheKey());
             QCOMPARE(button->icon().cacheKey(), user->cacheKey());
         }
-
         IconSetContainer::clearIcon(u"meas.point"_s);
         QVERIFY(!IconSetContainer::getIconSet(u"meas.point"_s));
         QCOMPARE(cmd->getIconSet(), own);
@@ -169,7 +163,6 @@ private slots:
         QCOMPARE(button->icon().cacheKey(), own->cacheKey());
         IconSetContainer::clearIcon(u"meas.point"_s); // nothing left to clear
     }
-
     void iconNamedCommandGoesBackToItsOwnIcon()
     {
         // The command's own icon is made only after the user's icon is gone,
@@ -182,9 +175,6 @@ private slots:
         QCOMPARE(action->icon().cacheKey(), cmd->getIconSet()->cacheKey());
         QVERIFY(!cmd->isDefaultIconSet());
     }
-
-    // --- icon sets: the file ---------------------------------------------------------
-
     void roundTripKeepsNamesPixelsAndNullPixmaps()
     {
         TestUtil::Environment env;
@@ -203,11 +193,7 @@ private slots:
         QCOMPARE(pixels(IconSetContainer::getIconSet(u"b.second"_s)->pixmap(QSize(3, 2))),
                  pixels(samplePixmap(qRgba(9, 8, 7, 255))));
         QVERIFY(IconSetContainer::getIconSet(u"c.null"_s)->isNull());
-        const QImage loaded = pixels(IconSetContainer::getIconSet(u"a.first"_s)->pixmap(QSize(3, 2)));
-        QCOMPARE(qAlpha(loaded.pixel(1, 0)), 0);
-        QCOMPARE(qAlpha(loaded.pixel(2, 1)), 128);
     }
-
     void fileHoldsTheDocumentedBlocks()
     {
         TestUtil::Environment env;
@@ -222,35 +208,30 @@ private slots:
         IO::InStream in(iconFile(Cfg::LEVEL_USER));
         QCOMPARE(in.getTypeName(), u"GAppIconSets"_s);
         QCOMPARE(in.getVersion(), 3u);
-        unsigned int u = 0;
+        const auto block = [&in](unsigned int version, unsigned int size) {
+            in.openBlock();
+            QCOMPARE(in.getBlockVersion(), version);
+            QCOMPARE(in.getBlockRemaining(), size);
+        };
+        unsigned int u = 0, w = 0, h = 0;
         QString s;
-        in.openBlock();
-        QCOMPARE(in.getBlockVersion(), 1u);
-        QCOMPARE(in.getBlockRemaining(), 4u);
+        block(1, 4);
         in.readUInt(u);
         QCOMPARE(u, 2u);
         in.closeBlock();
         // Names in order; the null pixmap is W = H = 0 and nothing else.
-        in.openBlock();
-        QCOMPARE(in.getBlockVersion(), 2u);
-        in.readString(s);
-        QCOMPARE(s, u"a.null"_s);
-        in.closeBlock();
-        in.openBlock();
-        QCOMPARE(in.getBlockRemaining(), 8u);
-        in.closeBlock();
-        in.openBlock();
-        in.readString(s);
-        QCOMPARE(s, u"z.last"_s);
-        in.closeBlock();
-        in.openBlock();
-        QCOMPARE(in.getBlockVersion(), 1u);
-        QCOMPARE(in.getBlockRemaining(), 2u * 1u * 4u + 8u);
-        unsigned int w = 0, h = 0;
+        for (const QString &name : {u"a.null"_s, u"z.last"_s}) {
+            block(2, IO::Stream::sizeOf(name));
+            in.readString(s);
+            QCOMPARE(s, name);
+            in.closeBlock();
+            block(1, name == u"a.null"_s ? 8u : 2u * 1u * 4u + 8u);
+            if (name == u"a.null"_s)
+                in.closeBlock();
+        }
         in.readUInt(w);
         in.readUInt(h);
-        QCOMPARE(w, 2u);
-        QCOMPARE(h, 1u);
+        QCOMPARE(QSize(w, h), QSize(2, 1));
         IO::Color c;
         in.readColor(c);
         QVERIFY((c == IO::Color{1, 2, 3, 255}));
@@ -259,7 +240,6 @@ private slots:
         in.closeBlock();
         QVERIFY(in.atEnd());
     }
-
     void emptyContainerSavesACountOfZero()
     {
         TestUtil::Environment env;
@@ -274,7 +254,6 @@ private slots:
         QVERIFY(IconSetContainer::loadStandard(&log));
         QVERIFY(!IconSetContainer::getIconSet(u"x.y"_s));
     }
-
     void oldNameBlocksSkipTheirSecondPixmap()
     {
         TestUtil::Environment env;
@@ -293,41 +272,33 @@ private slots:
         QCOMPARE(IconSetContainer::getIconSet(u"b.new"_s)->availableSizes(), QList<QSize>({QSize(1, 1)}));
         QCOMPARE(pixels(IconSetContainer::getIconSet(u"a.old"_s)->pixmap(QSize(2, 2))).pixel(1, 1), qRgb(10, 20, 30));
     }
-
     void damagedFilesLeaveTheCommandsDefaults_data()
     {
         QTest::addColumn<QString>("damage");
         QTest::addColumn<bool>("result");
         QTest::addColumn<QString>("logged");
-        QTest::addColumn<QStringList>("kept");
         const QString prefix = u"cannot load icons:"_s;
-        QTest::newRow("version 2 is read as empty") << "version 2" << true << QString() << QStringList();
-        QTest::newRow("version 4") << "version 4" << false << prefix + "invalid file version" << QStringList();
-        QTest::newRow("version 0") << "version 0" << false << prefix + "invalid file version" << QStringList();
-        QTest::newRow("count block version") << "count version" << false << prefix + "invalid icon count block version"
-                                             << QStringList();
-        QTest::newRow("name block version") << "name version" << false << prefix + "invalid icon name block version"
-                                            << QStringList();
-        QTest::newRow("pixmap block version") << "pixmap version" << false << prefix + "invalid icon block version"
-                                              << QStringList();
-        QTest::newRow("short pixmap block") << "short block" << false << prefix << QStringList();
-        QTest::newRow("huge size field") << "huge size" << false << prefix << QStringList();
-        QTest::newRow("huge block size") << "huge block" << false << prefix << QStringList();
-        QTest::newRow("count beyond the file") << "count" << false << prefix << QStringList();
-        QTest::newRow("truncated") << "truncated" << false << prefix << QStringList();
-        QTest::newRow("foreign file type") << "foreign" << false << prefix << QStringList();
-        QTest::newRow("garbage") << "garbage" << false << prefix << QStringList();
-        QTest::newRow("no file") << "missing" << false << prefix << QStringList();
-        QTest::newRow("damage after a good icon") << "second" << false << prefix + "invalid icon block version"
-                                                  << QStringList({"a.good"});
+        QTest::newRow("version 2 is read as empty") << "version 2" << true << QString();
+        QTest::newRow("version 4") << "version 4" << false << prefix + "invalid file version";
+        QTest::newRow("version 0") << "version 0" << false << prefix + "invalid file version";
+        QTest::newRow("count block version") << "count version" << false << prefix + "invalid icon count block version";
+        QTest::newRow("name block version") << "name version" << false << prefix + "invalid icon name block version";
+        QTest::newRow("pixmap block version") << "pixmap version" << false << prefix + "invalid icon block version";
+        QTest::newRow("short pixmap block") << "short block" << false << prefix;
+        QTest::newRow("huge size field") << "huge size" << false << prefix;
+        QTest::newRow("huge block size") << "huge block" << false << prefix;
+        QTest::newRow("count beyond the file") << "count" << false << prefix;
+        QTest::newRow("truncated") << "truncated" << false << prefix;
+        QTest::newRow("foreign file type") << "foreign" << false << prefix;
+        QTest::newRow("garbage") << "garbage" << false << prefix;
+        QTest::newRow("no file") << "missing" << false << prefix;
+        QTest::newRow("damage after a good icon") << "second" << false << prefix + "invalid icon block version";
     }
-
     void damagedFilesLeaveTheCommandsDefaults()
     {
         QFETCH(QString, damage);
         QFETCH(bool, result);
         QFETCH(QString, logged);
-        QFETCH(QStringList, kept);
         TestUtil::Environment env;
         auto *cmd = new Cmd(u"meas.point"_s);
         CommandAction *action = CommandContainer::getCommandAction(u"meas.point"_s);
@@ -336,15 +307,9 @@ private slots:
         if (damage == "garbage") {
             TestUtil::writeFile(path, QByteArray(64, '\xff'));
         } else if (damage == "foreign") {
-            Writer w(path, 3, u"ToolBars"_s);
-            w.count(0);
+            Writer(path, 3, u"ToolBars"_s).count(0);
         } else if (damage == "truncated") {
-            {
-                Writer w(path);
-                w.count(1);
-                w.name(u"meas.point"_s);
-                w.pixmap(16, 16);
-            }
+            Writer(path).one(u"meas.point"_s, 16, 16);
             const QByteArray whole = TestUtil::readFile(path);
             TestUtil::writeFile(path, whole.left(whole.size() - 100));
         } else if (damage == "huge block") { // a block header announcing 4 GiB
@@ -353,13 +318,10 @@ private slots:
                 w.count(1);
                 w.name(u"meas.point"_s);
             }
-            QByteArray bytes = TestUtil::readFile(path);
-            bytes += QByteArray::fromHex("fffffff000000001");
-            bytes += QByteArray(16, '\0');
-            TestUtil::writeFile(path, bytes);
+            const QByteArray header = QByteArray::fromHex("fffffff000000001");
+            TestUtil::writeFile(path, TestUtil::readFile(path) + header + QByteArray(16, '\0'));
         } else if (damage != "missing") {
-            const unsigned int version = damage == "version 2" ? 2 : damage == "version 4" ? 4 : damage == "version 0" ? 0 : 3;
-            Writer w(path, version);
+            Writer w(path, damage == "version 2" ? 2 : damage == "version 4" ? 4 : damage == "version 0" ? 0 : 3);
             w.count(damage == "count" ? 4000000000u : damage == "second" ? 2 : 1, damage == "count version" ? 2 : 1);
             if (damage == "second") {
                 w.name(u"a.good"_s);
@@ -383,10 +345,8 @@ private slots:
         QVERIFY(!IconSetContainer::getIconSet(u"meas.point"_s));
         QVERIFY(cmd->isDefaultIconSet());
         QVERIFY(action->icon().isNull());
-        for (const QString &name : kept)
-            QVERIFY(IconSetContainer::getIconSet(name));
+        QCOMPARE(IconSetContainer::getIconSet(u"a.good"_s) != nullptr, damage == "second");
     }
-
     // Random damage of a real file, the same every run: every reading ends
     // with an answer that agrees with its log, and the intact file reads back.
     void randomlyDamagedFilesAreAnsweredCleanly()
@@ -404,16 +364,10 @@ private slots:
         QCOMPARE(pixels(IconSetContainer::getIconSet(u"b.second"_s)->pixmap(QSize(3, 2))),
                  pixels(samplePixmap(qRgba(9, 8, 7, 255))));
     }
-
     void userLevelWinsOverSharedLevel()
     {
         TestUtil::Environment env;
-        {
-            Writer w(iconFile(Cfg::LEVEL_SHARED));
-            w.count(1);
-            w.name(u"shared.icon"_s);
-            w.pixmap(1, 1);
-        }
+        Writer(iconFile(Cfg::LEVEL_SHARED)).one(u"shared.icon"_s, 1, 1);
         ErrorLog log;
         QVERIFY(IconSetContainer::loadStandard(&log));
         QVERIFY(IconSetContainer::getIconSet(u"shared.icon"_s));
@@ -428,7 +382,6 @@ private slots:
         QVERIFY(!IconSetContainer::getIconSet(u"shared.icon"_s));
         QVERIFY(log.isEmpty());
     }
-
     void saveFailureIsLogged()
     {
         TestUtil::Environment env;
@@ -442,7 +395,6 @@ private slots:
         QVERIFY(QFileInfo(iconFile(Cfg::LEVEL_USER)).isDir());
         QVERIFY(IconSetContainer::getIconSet(u"x.y"_s));
     }
-
     void mainWindowReadsTheIconFileAndCleanUpEmptiesIt()
     {
         TestUtil::Environment env;
@@ -450,10 +402,7 @@ private slots:
         {
             Window w([&] {
                 cmd = new Cmd(u"meas.point"_s);
-                Writer file(iconFile(Cfg::LEVEL_USER));
-                file.count(1);
-                file.name(u"meas.point"_s);
-                file.pixmap(2, 2);
+                Writer(iconFile(Cfg::LEVEL_USER)).one(u"meas.point"_s, 2, 2);
             });
             QVERIFY(IconSetContainer::getIconSet(u"meas.point"_s));
             QCOMPARE(cmd->getIconSet(), IconSetContainer::getIconSet(u"meas.point"_s));
@@ -464,9 +413,6 @@ private slots:
         Window w;
         QVERIFY(MainWindow::main_win);
     }
-
-    // --- documentation identifiers ----------------------------------------------------
-
     void programmingErrors_data()
     {
         QTest::addColumn<QString>("call");
@@ -481,7 +427,6 @@ private slots:
         QTest::newRow("menu without instance") << "registerMenuId" << "Zal::GApp::Documentation::registerMenuId"
                                                << "Documentation singleton not yet initialized";
     }
-
     void programmingErrors()
     {
         QFETCH(QString, call);
@@ -512,7 +457,6 @@ private slots:
         QCOMPARE(GTools::Documentation::instance(), first);
         QVERIFY(Documentation::getId(&widget).isEmpty());
     }
-
     void widgetIdsLastAsLongAsTheirWidget()
     {
         Documentation::initialize();
@@ -543,7 +487,6 @@ private slots:
         widget.reset();
         QVERIFY(Documentation::getId(address).isEmpty());
     }
-
     void menuIdsLastAsLongAsTheirMenu()
     {
         Documentation::initialize();
@@ -570,7 +513,6 @@ private slots:
         Documentation::unregisterMenuId(&later);
         QVERIFY(Documentation::getMenuId(&later, later.actions().value(0)).isEmpty());
     }
-
     void viewWidgetsAndContainersCarryTheirIds()
     {
         TestUtil::Environment env;
@@ -597,7 +539,6 @@ private slots:
         container = qobject_cast<ContainerWidget *>(ViewWidgetContainer::createWidget(w.win, u"editors"_s));
         QCOMPARE(Documentation::getId(container), u"editors-page"_s);
     }
-
     void f1ReachesTheWidgetsId()
     {
         TestUtil::Environment env;
@@ -613,7 +554,6 @@ private slots:
         QTest::keyClick(list, Qt::Key_F1);
         QCOMPARE(asked, u"list-page"_s);
     }
-
     void mainWindowOwnsTheSingleton()
     {
         TestUtil::Environment env;
