@@ -23,16 +23,17 @@ namespace {
 // One call through the manager, its result written as text.
 using Call = std::function<QString(AppStatusManager &)>;
 
-QString yes(bool b)
-{
-    return b ? QStringLiteral("true") : QStringLiteral("false");
-}
+using Names = std::vector<QString>;
 
-QString joined(const std::vector<QString> &list)
+QString yes(bool b) { return b ? QStringLiteral("true") : QStringLiteral("false"); }
+QString text(const QString &s) { return s; }
+QString text(const char *s) { return QLatin1String(s); }
+QString text(int n) { return QString::number(n); }
+template <class T> QString joined(const std::vector<T> &list)
 {
     QStringList all;
-    for (const QString &s : list)
-        all << s;
+    for (const T &item : list)
+        all << text(item);
     return all.join(QLatin1Char(','));
 }
 
@@ -45,162 +46,136 @@ public:
     RecordingStatus(unsigned int mode, QStringList *journal) : StatusData(mode, QString()), _journal(journal) {}
 
     QString getMainMenuName() override { return QString(); }
-    bool isAppModeChangePossible(unsigned int mode) override
-    {
-        note(QStringLiteral("possible(%1)").arg(mode));
-        return changePossible;
-    }
-    void beforeModeChange(unsigned int mode) override { note(QStringLiteral("before(%1)").arg(mode)); }
-    void afterModeChange(unsigned int mode) override { note(QStringLiteral("after(%1)").arg(mode)); }
+    bool isAppModeChangePossible(unsigned int mode) override { return said(changePossible, "possible(%1)", mode); }
+    void beforeModeChange(unsigned int mode) override { said(0, "before(%1)", mode); }
+    void afterModeChange(unsigned int mode) override { said(0, "after(%1)", mode); }
     bool canExitProgram() override { return true; }
     void exitProgram() override {}
     void commitData() override {}
-    bool cleanupInconsistentState() override
-    {
-        note(QStringLiteral("cleanup"));
-        return false;
-    }
-    bool isEmpty() override
-    {
-        note(QStringLiteral("isEmpty"));
-        return empty;
-    }
+    bool cleanupInconsistentState() override { return said(false, "cleanup"); }
+    bool isEmpty() override { return said(empty, "isEmpty"); }
     std::vector<const char *> getAdditionalSelectionNames() override
     {
-        note(QStringLiteral("selectionNames"));
+        said(0, "selectionNames");
         return {"probe", "scan"};
     }
-    std::vector<QString> getSelectedData(const char *selection) override
+    Names getSelectedData(const char *selection) override { return said(Names{tag("sel")}, "selected(%1)", selection); }
+    Names getAllData() override { return said(Names{tag("a"), tag("b")}, "allData"); }
+    bool isDataModified(const QString &name) const override { return said(true, "modified(%1)", name); }
+    Names getAllFileNameExtensions() override { return extensions; }
+    QString getFileName(const QString &name) override { return said(tag("file"), "fileName(%1)", name); }
+    bool isFileNameValid(const QString &fileName) const override { return said(true, "valid(%1)", fileName); }
+    QString getFileNameExtension(const Names &names) override
     {
-        note(QStringLiteral("selected(%1)").arg(QLatin1String(selection)));
-        return {tag("sel")};
+        return said(tag("list"), "extensionOfList(%1)", names.size());
     }
-    std::vector<QString> getAllData() override
-    {
-        note(QStringLiteral("allData"));
-        return {tag("a"), tag("b")};
-    }
-    bool isDataModified(const QString &name) const override
-    {
-        note(QStringLiteral("modified(%1)").arg(name));
-        return true;
-    }
-    std::vector<QString> getAllFileNameExtensions() override { return extensions; }
-    QString getFileName(const QString &name) override
-    {
-        note(QStringLiteral("fileName(%1)").arg(name));
-        return tag("file");
-    }
-    bool isFileNameValid(const QString &fileName) const override
-    {
-        note(QStringLiteral("valid(%1)").arg(fileName));
-        return true;
-    }
-    QString getFileNameExtension(const std::vector<QString> &names) override
-    {
-        note(QStringLiteral("extensionOfList(%1)").arg(names.size()));
-        return tag("list");
-    }
-    QString getFileNameExtension(const QString &name) override
-    {
-        note(QStringLiteral("extension(%1)").arg(name));
-        return tag("ext");
-    }
+    QString getFileNameExtension(const QString &name) override { return said(tag("ext"), "extension(%1)", name); }
     bool canOpenFile(const std::vector<char> &firstBytes) override
     {
-        note(QStringLiteral("canOpen(%1)").arg(firstBytes.size()));
-        return !magic.isEmpty() && checkMagicHeader(firstBytes, magic);
+        return said(!magic.isEmpty() && checkMagicHeader(firstBytes, magic), "canOpen(%1)", firstBytes.size());
     }
-    bool canOpenImage() const override
-    {
-        note(QStringLiteral("canOpenImage"));
-        return opensImages;
-    }
+    bool canOpenImage() const override { return said(opensImages, "canOpenImage"); }
     bool openFile(const QString &fileName, QString *second, QString *errorCode, ErrorLog *) override
     {
-        note(QStringLiteral("open(%1)").arg(QFileInfo(fileName).fileName()));
-        *second = tag("second");
-        *errorCode = tag("code");
-        return true;
+        return coded(errorCode, second, "second") && said(true, "open(%1)", QFileInfo(fileName).fileName());
     }
-    bool isSaveSensitive() const override { return noteTrue("saveSensitive"); }
+    bool isSaveSensitive() const override { return said(true, "saveSensitive"); }
     bool saveFile(const QString &name, const QString &fileName, QString *errorCode, ErrorLog *) override
     {
-        note(QStringLiteral("save(%1,%2)").arg(name, fileName));
-        *errorCode = tag("code");
-        return true;
+        return coded(errorCode) && said(true, "save(%1,%2)", name, fileName);
     }
-    bool isSaveAsSensitive() const override { return noteTrue("saveAsSensitive"); }
-    bool isExportC3DSensitive() const override { return noteTrue("exportSensitive"); }
-    bool isSaveProjectAsSensitive() const override { return noteTrue("saveProjectSensitive"); }
+    bool isSaveAsSensitive() const override { return said(true, "saveAsSensitive"); }
+    bool isExportC3DSensitive() const override { return said(true, "exportSensitive"); }
+    bool isSaveProjectAsSensitive() const override { return said(true, "saveProjectSensitive"); }
     bool saveFileAsRecent(const std::vector<QString> &names, const QString &fileName, RenameType_t rename,
                           QString *recentName, QString *errorCode, ErrorLog *) override
     {
-        note(QStringLiteral("saveAsRecent(%1,%2,%3)").arg(names.size()).arg(fileName).arg(int(rename)));
-        *recentName = tag("recent");
-        *errorCode = tag("code");
-        return true;
+        return coded(errorCode, recentName, "recent")
+               && said(true, "saveAsRecent(%1,%2,%3)", names.size(), fileName, int(rename));
     }
-    bool isCloseSensitive() const override { return noteTrue("closeSensitive"); }
+    bool isCloseSensitive() const override { return said(true, "closeSensitive"); }
     bool closeData(const std::vector<QString> &names, QString *errorCode, ErrorLog *) override
     {
-        note(QStringLiteral("close(%1)").arg(names.size()));
-        *errorCode = tag("code");
-        return true;
+        return coded(errorCode) && said(true, "close(%1)", names.size());
     }
-    bool isCopyToClipboardSensitive() const override { return noteTrue("copySensitive"); }
+    bool isCopyToClipboardSensitive() const override { return said(true, "copySensitive"); }
     bool copyToClipboard(const std::vector<QString> &names, const std::vector<QString> &formats,
                          QString *errorCode, ErrorLog *) const override
     {
-        note(QStringLiteral("copy(%1,%2)").arg(names.size()).arg(formats.size()));
-        *errorCode = tag("code");
-        return true;
+        return coded(errorCode) && said(true, "copy(%1,%2)", names.size(), formats.size());
     }
     bool pasteFromClipboard(const std::vector<QString> &files, const std::vector<QString> &second,
                             QString *third, QString *errorCode, ErrorLog *) override
     {
-        note(QStringLiteral("paste(%1,%2)").arg(files.size()).arg(second.size()));
-        *third = tag("third");
-        *errorCode = tag("code");
-        return true;
+        return coded(errorCode, third, "third") && said(true, "paste(%1,%2)", files.size(), second.size());
     }
-    StageActive_t isStageActive(const QString &stage) override
+    StageActive_t isStageActive(const QString &stage) override { return said(stageAnswer, "stageActive(%1)", stage); }
+    Names getStageLoopStages(const QString &name, StageLoopStage_t stage) override
     {
-        note(QStringLiteral("stageActive(%1)").arg(stage));
-        return stageAnswer;
-    }
-    std::vector<QString> getStageLoopStages(const QString &name, StageLoopStage_t stage) override
-    {
-        note(QStringLiteral("loopStages(%1,%2)").arg(name).arg(int(stage)));
-        return loopStages;
+        return said(loopStages, "loopStages(%1,%2)", name, int(stage));
     }
     StageIdentifier getActualStageIdentifier() override { return StageIdentifier(int(getLocalMode()) * 10); }
     std::vector<int> getStageNumbers(QString name, ExplorerPosition_t position, int index) override
     {
-        note(QStringLiteral("stageNumbers(%1,%2,%3)").arg(name).arg(int(position)).arg(index));
-        return {int(getLocalMode()), index};
+        return said(std::vector<int>{int(getLocalMode()), index}, "stageNumbers(%1,%2,%3)", name, int(position), index);
     }
 
     bool changePossible = true;
     bool empty = true;
     bool opensImages = false;
     QString magic; // canOpenFile answers whether the file starts with it
-    std::vector<QString> extensions;
+    Names extensions;
     StageActive_t stageAnswer = STAGE_UNKNOWN;
-    std::vector<QString> loopStages;
+    Names loopStages;
 
 private:
     QString tag(const char *what) const { return QStringLiteral("%1:%2").arg(getLocalMode()).arg(QLatin1String(what)); }
-    void note(const QString &what) const { _journal->append(QStringLiteral("%1:%2").arg(getLocalMode()).arg(what)); }
-    bool noteTrue(const char *what) const
+    // Notes the call, its arguments filled in one by one, and gives back the answer.
+    template <class T, class... A> T said(T answer, const char *call, const A &...args) const
     {
-        note(QLatin1String(what));
+        QString line = QLatin1String(call);
+        ((line = line.arg(args)), ...);
+        _journal->append(QStringLiteral("%1:").arg(getLocalMode()) + line);
+        return answer;
+    }
+    bool coded(QString *errorCode, QString *out = nullptr, const char *what = nullptr) const
+    {
+        if (out)
+            *out = tag(what);
+        *errorCode = tag("code");
         return true;
     }
     QStringList *_journal;
 };
 
 const QByteArray PNG_HEADER("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16);
+
+// The manager's operations, each row named by its function: forwarded to the active type 2 of types 1..3
+// (or, when addressed, to type 1) they give `result` and journal `called` (a null result: not tested so);
+// with no status data for the type they throw unless they answer without (answersWithoutActiveStatusData).
+struct Operation
+{
+    const char *name;
+    Call call;
+    QString called, result;
+    bool throws = true;
+};
+
+// A call that also gives back an error code: "<result> <code>".
+Call coded(std::function<bool(AppStatusManager &, QString *, ErrorLog *)> fn)
+{
+    return [fn](AppStatusManager &m) {
+        QString code;
+        ErrorLog log;
+        const bool result = fn(m, &code, &log);
+        return yes(result) + " " + code;
+    };
+}
+
+QString unidentified(const QString &path)
+{
+    return QStringLiteral("cannot identify file type for file ") + QDir::toNativeSeparators(path);
+}
 
 } // namespace
 
@@ -212,21 +187,28 @@ struct FileOpsFixture
     QStringList journal;
     QTemporaryDir dir;
     std::map<unsigned int, RecordingStatus *> types;
+    QString second, code; // what openFile and pasteFromClipboard gave back
+    ErrorLog log;
 
     // Registers the types; the manager owns them.
     void add(std::initializer_list<unsigned int> modes)
     {
-        for (unsigned int mode : modes) {
-            auto *status = new RecordingStatus(mode, &journal);
-            types[mode] = status;
-            manager.setStatusData(mode, status);
-        }
+        for (unsigned int mode : modes)
+            manager.setStatusData(mode, types[mode] = new RecordingStatus(mode, &journal));
     }
     // Makes `mode` active and forgets what the change wrote.
     void activate(unsigned int mode)
     {
         manager.setAppMode(mode);
         journal.clear();
+    }
+    // Types 1 (active, perhaps refusing to change) and 2, which reads files starting with "ZAL".
+    void activeAndReader(bool activeRefuses = false)
+    {
+        add({1, 2});
+        types[2]->magic = QStringLiteral("ZAL");
+        types[1]->changePossible = !activeRefuses;
+        activate(1);
     }
     QString file(const QString &name, const QByteArray &data)
     {
@@ -236,87 +218,88 @@ struct FileOpsFixture
             qFatal("cannot write %s", qPrintable(path));
         return path;
     }
+    bool open(const QString &path) { return manager.openFile(path, &second, &code, &log); }
+    bool paste(const std::vector<QString> &files, const std::vector<QString> &more = {})
+    {
+        return manager.pasteFromClipboard(files, more, &second, &code, &log);
+    }
     QStringList callsMatching(const QString &part) const { return journal.filter(part); }
 };
 
 static std::unique_ptr<FileOpsFixture> f;
 
-void TestFileOps::init()
-{
-    f = std::make_unique<FileOpsFixture>();
-}
-
-void TestFileOps::cleanup()
-{
-    f.reset();
-}
+void TestFileOps::init() { f = std::make_unique<FileOpsFixture>(); }
+void TestFileOps::cleanup() { f.reset(); }
 
 // --- forwarding, addressing, combining -------------------------------------------
+
+static std::vector<Operation> operations()
+{
+    const Names two{"p", "q"};
+    using Flag = bool (AppStatusManager::*)() const;
+    const std::tuple<const char *, Flag, const char *> flags[] = {
+        {"isSaveSensitive", &AppStatusManager::isSaveSensitive, "2:saveSensitive"},
+        {"isSaveAsSensitive", &AppStatusManager::isSaveAsSensitive, "2:saveAsSensitive"},
+        {"isExportC3DSensitive", &AppStatusManager::isExportC3DSensitive, "2:exportSensitive"},
+        {"isSaveProjectAsSensitive", &AppStatusManager::isSaveProjectAsSensitive, "2:saveProjectSensitive"},
+        {"isCloseSensitive", &AppStatusManager::isCloseSensitive, "2:closeSensitive"},
+        {"isCopyToClipboardSensitive", &AppStatusManager::isCopyToClipboardSensitive, "2:copySensitive"}};
+    std::vector<Operation> ops;
+    for (const auto &[name, fn, called] : flags)
+        ops.push_back({name, [fn = fn](AppStatusManager &m) { return yes((m.*fn)()); }, called, "true"});
+    ops.insert(ops.end(), {
+        {"saveFile", coded([](auto &m, auto c, auto l) { return m.saveFile("part", "part.gap", c, l); }),
+         "2:save(part,part.gap)", "true 2:code"},
+        {"closeData", coded([two](auto &m, auto c, auto l) { return m.closeData(two, c, l); }), "2:close(2)",
+         "true 2:code"},
+        {"copyToClipboard", coded([two](auto &m, auto c, auto l) { return m.copyToClipboard(two, {"csv"}, c, l); }),
+         "2:copy(2,1)", "true 2:code"},
+        // The active type's saveFileAsRecent, which gives back the recent-files name too.
+        {"saveFileAs", coded([two](auto &m, auto c, auto l) {
+             QString recent;
+             const bool result = m.saveFileAs(two, "a.gap", RENAME_COPY, &recent, c, l);
+             *c = recent + " " + *c;
+             return result;
+         }), "2:saveAsRecent(2,a.gap,2)", "true 2:recent 2:code"},
+        {"getSelectedData", [](auto &m) { return joined(m.getSelectedData("probe")); }, "2:selected(probe)", "2:sel"},
+        {"getAdditionalSelectionNames", [](auto &m) { return joined(m.getAdditionalSelectionNames()); },
+         "2:selectionNames", "probe,scan"},
+        {"cleanupInconsistentState", [](auto &m) { return yes(m.cleanupInconsistentState()); }, "2:cleanup", "false",
+         false},
+        {"getStageNumbers", [](auto &m) { return joined(m.getStageNumbers("s", StatusData::EXPLORER_AFTER, 5)); },
+         "2:stageNumbers(s,2,5)", "2,5", false},
+        {"getActualStageIdentifier", [](auto &m) { return QString::number(m.getActualStageIdentifier().getValue()); },
+         "", "20", false},
+        // Addressed to type 1 while type 2 is active.
+        {"isDataModified", [](auto &m) { return yes(m.isDataModified(1, "part")); }, "1:modified(part)", "true"},
+        {"getFileName", [](auto &m) { return m.getFileName(1, "part"); }, "1:fileName(part)", "1:file"},
+        {"isFileNameValid", [](auto &m) { return yes(m.isFileNameValid(1, "x.gap")); }, "1:valid(x.gap)", "true"},
+        {"getFileNameExtension of a name", [](auto &m) { return m.getFileNameExtension(1, QStringLiteral("part")); },
+         "1:extension(part)", "1:ext"},
+        {"getFileNameExtension of a list", [two](auto &m) { return m.getFileNameExtension(1, two); },
+         "1:extensionOfList(2)", "1:list"},
+        {"getAllData", [](auto &m) { return joined(m.getAllData(1)); }, "1:allData", "1:a,1:b"},
+        // A file that type 2 reads: the mode change asks the missing active type.
+        {"openFile", coded([](auto &m, auto c, auto l) {
+             QString second;
+             return m.openFile(f->file("one.dat", "ONE"), &second, c, l);
+         }), {}, {}},
+        {"pasteFromClipboard", coded([](auto &m, auto c, auto l) {
+             QString third;
+             return m.pasteFromClipboard({f->file("one.dat", "ONE")}, {}, &third, c, l);
+         }), {}, {}},
+    });
+    return ops;
+}
 
 void TestFileOps::forwardsToTheActiveType_data()
 {
     QTest::addColumn<Call>("call");
     QTest::addColumn<QString>("called");
     QTest::addColumn<QString>("result");
-    const std::vector<QString> two{QStringLiteral("p"), QStringLiteral("q")};
-    const std::vector<QString> one{QStringLiteral("csv")};
-
-    QTest::newRow("isSaveSensitive") << Call([](AppStatusManager &m) { return yes(m.isSaveSensitive()); })
-                                     << "2:saveSensitive" << "true";
-    QTest::newRow("saveFile") << Call([](AppStatusManager &m) {
-        QString code;
-        ErrorLog log;
-        return yes(m.saveFile(QStringLiteral("part"), QStringLiteral("part.gap"), &code, &log)) + " " + code;
-    }) << "2:save(part,part.gap)" << "true 2:code";
-    QTest::newRow("isSaveAsSensitive") << Call([](AppStatusManager &m) { return yes(m.isSaveAsSensitive()); })
-                                       << "2:saveAsSensitive" << "true";
-    QTest::newRow("isExportC3DSensitive")
-        << Call([](AppStatusManager &m) { return yes(m.isExportC3DSensitive()); }) << "2:exportSensitive"
-        << "true";
-    QTest::newRow("isSaveProjectAsSensitive")
-        << Call([](AppStatusManager &m) { return yes(m.isSaveProjectAsSensitive()); }) << "2:saveProjectSensitive"
-        << "true";
-    QTest::newRow("isCloseSensitive") << Call([](AppStatusManager &m) { return yes(m.isCloseSensitive()); })
-                                      << "2:closeSensitive" << "true";
-    QTest::newRow("closeData") << Call([two](AppStatusManager &m) {
-        QString code;
-        ErrorLog log;
-        return yes(m.closeData(two, &code, &log)) + " " + code;
-    }) << "2:close(2)" << "true 2:code";
-    QTest::newRow("isCopyToClipboardSensitive")
-        << Call([](AppStatusManager &m) { return yes(m.isCopyToClipboardSensitive()); }) << "2:copySensitive"
-        << "true";
-    QTest::newRow("copyToClipboard") << Call([two, one](AppStatusManager &m) {
-        QString code;
-        ErrorLog log;
-        return yes(m.copyToClipboard(two, one, &code, &log)) + " " + code;
-    }) << "2:copy(2,1)" << "true 2:code";
-    QTest::newRow("saveFileAs goes to saveFileAsRecent") << Call([two](AppStatusManager &m) {
-        QString recent, code;
-        ErrorLog log;
-        return yes(m.saveFileAs(two, QStringLiteral("a.gap"), RENAME_COPY, &recent, &code, &log)) + " " + recent
-               + " " + code;
-    }) << "2:saveAsRecent(2,a.gap,2)" << "true 2:recent 2:code";
-    QTest::newRow("getSelectedData")
-        << Call([](AppStatusManager &m) { return joined(m.getSelectedData("probe")); }) << "2:selected(probe)"
-        << "2:sel";
-    QTest::newRow("getAdditionalSelectionNames") << Call([](AppStatusManager &m) {
-        QStringList names;
-        for (const char *n : m.getAdditionalSelectionNames())
-            names << QLatin1String(n);
-        return names.join(QLatin1Char(','));
-    }) << "2:selectionNames" << "probe,scan";
-    QTest::newRow("cleanupInconsistentState")
-        << Call([](AppStatusManager &m) { return yes(m.cleanupInconsistentState()); }) << "2:cleanup" << "false";
-    QTest::newRow("getStageNumbers") << Call([](AppStatusManager &m) {
-        QStringList numbers;
-        for (int n : m.getStageNumbers(QStringLiteral("s"), StatusData::EXPLORER_AFTER, 5))
-            numbers << QString::number(n);
-        return numbers.join(QLatin1Char(','));
-    }) << "2:stageNumbers(s,2,5)" << "2,5";
-    QTest::newRow("getActualStageIdentifier") << Call([](AppStatusManager &m) {
-        return QString::number(m.getActualStageIdentifier().getValue());
-    }) << QString() << "20";
+    for (const Operation &op : operations())
+        if (!op.result.isNull())
+            QTest::newRow(op.name) << op.call << op.called << op.result;
 }
 
 void TestFileOps::forwardsToTheActiveType()
@@ -330,94 +313,22 @@ void TestFileOps::forwardsToTheActiveType()
     QCOMPARE(f->journal, called.isEmpty() ? QStringList() : QStringList{called});
 }
 
-void TestFileOps::addressedOperationsReachTheNamedType()
-{
-    f->add({1, 2});
-    f->activate(2);
-    AppStatusManager &m = f->manager;
-    QVERIFY(m.isDataModified(1, QStringLiteral("part")));
-    QCOMPARE(m.getFileName(1, QStringLiteral("part")), QStringLiteral("1:file"));
-    QVERIFY(m.isFileNameValid(1, QStringLiteral("x.gap")));
-    QCOMPARE(m.getFileNameExtension(1, QStringLiteral("part")), QStringLiteral("1:ext"));
-    QCOMPARE(m.getFileNameExtension(1, std::vector<QString>{QStringLiteral("a"), QStringLiteral("b")}),
-             QStringLiteral("1:list"));
-    QCOMPARE(joined(m.getAllData(1)), QStringLiteral("1:a,1:b"));
-    QCOMPARE(f->journal, QStringList({"1:modified(part)", "1:fileName(part)", "1:valid(x.gap)", "1:extension(part)",
-                                      "1:extensionOfList(2)", "1:allData"}));
-}
-
 void TestFileOps::unregisteredTypeThrowsNamingTheOperation_data()
 {
     QTest::addColumn<Call>("call");
     QTest::addColumn<QString>("function");
-    // Types 1 and 2 exist; the active mode 0 (as constructed) has none, and
-    // the addressed operations ask for type 7.
-    const std::vector<QString> none;
-    QTest::newRow("isSaveSensitive") << Call([](AppStatusManager &m) { return yes(m.isSaveSensitive()); })
-                                     << "isSaveSensitive";
-    QTest::newRow("saveFile") << Call([](AppStatusManager &m) {
-        QString code;
-        return yes(m.saveFile(QString(), QString(), &code, nullptr));
-    }) << "saveFile";
-    QTest::newRow("isSaveAsSensitive") << Call([](AppStatusManager &m) { return yes(m.isSaveAsSensitive()); })
-                                       << "isSaveAsSensitive";
-    QTest::newRow("isExportC3DSensitive")
-        << Call([](AppStatusManager &m) { return yes(m.isExportC3DSensitive()); }) << "isExportC3DSensitive";
-    QTest::newRow("isSaveProjectAsSensitive")
-        << Call([](AppStatusManager &m) { return yes(m.isSaveProjectAsSensitive()); }) << "isSaveProjectAsSensitive";
-    QTest::newRow("isCloseSensitive") << Call([](AppStatusManager &m) { return yes(m.isCloseSensitive()); })
-                                      << "isCloseSensitive";
-    QTest::newRow("closeData") << Call([none](AppStatusManager &m) {
-        QString code;
-        return yes(m.closeData(none, &code, nullptr));
-    }) << "closeData";
-    QTest::newRow("isCopyToClipboardSensitive")
-        << Call([](AppStatusManager &m) { return yes(m.isCopyToClipboardSensitive()); })
-        << "isCopyToClipboardSensitive";
-    QTest::newRow("copyToClipboard") << Call([none](AppStatusManager &m) {
-        QString code;
-        return yes(m.copyToClipboard(none, none, &code, nullptr));
-    }) << "copyToClipboard";
-    QTest::newRow("saveFileAs") << Call([none](AppStatusManager &m) {
-        QString recent, code;
-        return yes(m.saveFileAs(none, QString(), RENAME_NONE, &recent, &code, nullptr));
-    }) << "saveFileAs";
-    QTest::newRow("getSelectedData") << Call([](AppStatusManager &m) { return joined(m.getSelectedData("")); })
-                                     << "getSelectedData";
-    QTest::newRow("getAdditionalSelectionNames") << Call([](AppStatusManager &m) {
-        return QString::number(m.getAdditionalSelectionNames().size());
-    }) << "getAdditionalSelectionNames";
-    QTest::newRow("isDataModified") << Call([](AppStatusManager &m) { return yes(m.isDataModified(7, "a")); })
-                                    << "isDataModified";
-    QTest::newRow("getFileName") << Call([](AppStatusManager &m) { return m.getFileName(7, "a"); })
-                                 << "getFileName";
-    QTest::newRow("isFileNameValid") << Call([](AppStatusManager &m) { return yes(m.isFileNameValid(7, "a")); })
-                                     << "isFileNameValid";
-    QTest::newRow("getFileNameExtension of a name")
-        << Call([](AppStatusManager &m) { return m.getFileNameExtension(7, QStringLiteral("a")); })
-        << "getFileNameExtension";
-    QTest::newRow("getFileNameExtension of a list")
-        << Call([none](AppStatusManager &m) { return m.getFileNameExtension(7, none); }) << "getFileNameExtension";
-    QTest::newRow("getAllData") << Call([](AppStatusManager &m) { return joined(m.getAllData(7)); })
-                                << "getAllData";
-    // A file that type 1 reads: the mode change asks the missing active type.
-    QTest::newRow("openFile") << Call([](AppStatusManager &m) {
-        QString second, code;
-        return yes(m.openFile(f->file(QStringLiteral("one.dat"), "ONE"), &second, &code, nullptr));
-    }) << "openFile";
-    QTest::newRow("pasteFromClipboard") << Call([none](AppStatusManager &m) {
-        QString third, code;
-        const std::vector<QString> files{f->file(QStringLiteral("one.dat"), "ONE")};
-        return yes(m.pasteFromClipboard(files, none, &third, &code, nullptr));
-    }) << "pasteFromClipboard";
+    for (const Operation &op : operations())
+        if (op.throws)
+            QTest::newRow(op.name) << op.call << QString::fromLatin1(op.name).section(QLatin1Char(' '), 0, 0);
 }
 
 void TestFileOps::unregisteredTypeThrowsNamingTheOperation()
 {
     QFETCH(Call, call);
     QFETCH(QString, function);
-    f->add({1, 2});
-    f->types[1]->magic = QStringLiteral("ONE");
+    // Types 2 and 3 exist; the active mode 0 (as constructed) and the addressed type 1 have none.
+    f->add({2, 3});
+    f->types[2]->magic = QStringLiteral("ONE");
     try {
         call(f->manager);
         QFAIL("no ProgError");
@@ -438,7 +349,6 @@ void TestFileOps::answersWithoutActiveStatusData()
     QCOMPARE(m.getActualStageIdentifier(), StageIdentifier::NO_STAGE);
     QVERIFY(m.getStageNumbers(QStringLiteral("s"), StatusData::EXPLORER_AT, 1).empty());
     QVERIFY(f->journal.isEmpty());
-
     // With no type at all, the stage answer falls back to "inactive".
     AppStatusManager bare;
     QCOMPARE(bare.isStageActive(QStringLiteral("s")), StatusData::STAGE_INACTIVE);
@@ -508,7 +418,6 @@ void TestFileOps::stageLoopStagesFallBackToTheFirstNonEmptyList()
     QCOMPARE(joined(f->manager.getStageLoopStages(QStringLiteral("n"), StatusData::STAGE_LOOP_ACTIVE)),
              QStringLiteral("s3a,s3b"));
     QCOMPARE(f->journal, QStringList{"3:loopStages(n,1)"});
-
     f->journal.clear();
     f->types[3]->loopStages.clear();
     QCOMPARE(joined(f->manager.getStageLoopStages(QStringLiteral("n"), StatusData::STAGE_LOOP_ALL)),
@@ -541,40 +450,45 @@ void TestFileOps::readFileContentsReadsAtMostTheFirstBlock()
     const QString path = f->file(QStringLiteral("data.bin"), pattern);
     if (size > pattern.size())
         QVERIFY(QFile::resize(path, size));
-
     std::vector<char> bytes{'x'};
-    ErrorLog log;
-    QVERIFY(f->manager.readFileContents(path, &bytes, &log));
-    QVERIFY(log.isEmpty());
+    QVERIFY(f->manager.readFileContents(path, &bytes, &f->log));
+    QVERIFY(f->log.isEmpty());
     QCOMPARE(int(bytes.size()), expected);
     QVERIFY(std::equal(bytes.begin(), bytes.end(), pattern.constBegin()));
+}
+
+// A path of the given kind that cannot be read: "missing", "directory" or "locked" (no permission).
+static QString unreadablePath(const QString &kind)
+{
+    if (kind == QLatin1String("directory")) {
+        const QString path = f->dir.filePath(QStringLiteral("folder"));
+        return QDir().mkpath(path) ? path : QString();
+    }
+    if (kind == QLatin1String("locked")) {
+        const QString path = f->file(QStringLiteral("locked.dat"), "ONE");
+        QFile::setPermissions(path, QFileDevice::Permissions());
+        return path;
+    }
+    return f->dir.filePath(QStringLiteral("nowhere/part.zal"));
 }
 
 void TestFileOps::unreadableFilesAreReportedNotRead_data()
 {
     QTest::addColumn<QString>("kind");
-    QTest::newRow("missing") << "missing";
-    QTest::newRow("directory") << "directory";
-    QTest::newRow("no permission") << "locked";
+    for (const char *kind : {"missing", "directory", "locked"})
+        QTest::newRow(kind) << kind;
 }
 
 void TestFileOps::unreadableFilesAreReportedNotRead()
 {
     QFETCH(QString, kind);
-    QString path = f->dir.filePath(QStringLiteral("sub/none.dat"));
-    if (kind == QLatin1String("directory")) {
-        path = f->dir.filePath(QStringLiteral("folder"));
-        QVERIFY(QDir().mkpath(path));
-    } else if (kind == QLatin1String("locked")) {
-        path = f->file(QStringLiteral("locked.dat"), "ONE");
-        QFile::setPermissions(path, QFileDevice::Permissions());
-        if (QFile(path).open(QIODevice::ReadOnly))
-            QSKIP("this user reads every file");
-    }
+    const QString path = unreadablePath(kind);
+    QVERIFY(!path.isEmpty());
+    if (kind == QLatin1String("locked") && QFile(path).open(QIODevice::ReadOnly))
+        QSKIP("this user reads every file");
     std::vector<char> bytes{'x'};
-    ErrorLog log;
-    QVERIFY(!f->manager.readFileContents(path, &bytes, &log));
-    QCOMPARE(log.getEntries(),
+    QVERIFY(!f->manager.readFileContents(path, &bytes, &f->log));
+    QCOMPARE(f->log.getEntries(),
              QStringList{QStringLiteral("cannot open file for reading: ") + QDir::toNativeSeparators(path)});
     QCOMPARE(bytes, std::vector<char>{'x'});
 }
@@ -600,30 +514,21 @@ void TestFileOps::openChoosesTheTypeThatReadsTheFile()
     for (unsigned int mode = 1; mode <= 3; ++mode)
         f->types[mode]->magic = readers.contains(QString::number(mode)) ? QStringLiteral("ZAL") : QStringLiteral("NOT");
     f->activate(active);
-    const QString path = f->file(QStringLiteral("part.zal"), "ZAL points\n1 2 3\n");
-
-    QString second, code;
-    ErrorLog log;
-    QVERIFY(f->manager.openFile(path, &second, &code, &log));
+    QVERIFY(f->open(f->file(QStringLiteral("part.zal"), "ZAL points\n1 2 3\n")));
     QCOMPARE(f->manager.getAppMode(), chosen);
-    QCOMPARE(second, QStringLiteral("%1:second").arg(chosen));
-    QCOMPARE(code, QStringLiteral("%1:code").arg(chosen));
-    QVERIFY(log.isEmpty());
+    QCOMPARE(f->second, QStringLiteral("%1:second").arg(chosen));
+    QCOMPARE(f->code, QStringLiteral("%1:code").arg(chosen));
+    QVERIFY(f->log.isEmpty());
     QCOMPARE(f->journal.last(), QStringLiteral("%1:open(part.zal)").arg(chosen));
     QCOMPARE(f->callsMatching(QStringLiteral(":possible(")).size(), chosen == active ? 0 : 1);
 }
 
 void TestFileOps::openTellsEveryTypeBeforeTheChosenOneOpens()
 {
-    f->add({1, 2});
-    f->types[2]->magic = QStringLiteral("ZAL");
-    f->activate(1);
-    const QString path = f->file(QStringLiteral("short.zal"), "ZAL!");
+    f->activeAndReader();
     QSignalSpy data(&f->manager, &AppStatusManager::dataChangedSignal);
     QSignalSpy selection(&f->manager, &AppStatusManager::selectionChangedSignal);
-    QString second, code;
-    ErrorLog log;
-    QVERIFY(f->manager.openFile(path, &second, &code, &log));
+    QVERIFY(f->open(f->file(QStringLiteral("short.zal"), "ZAL!")));
     // A short file is judged by all of its bytes.
     QCOMPARE(f->journal, QStringList({"1:canOpen(4)", "2:canOpen(4)", "1:possible(2)", "1:before(2)", "2:before(2)",
                                       "1:after(1)", "2:after(1)", "2:open(short.zal)"}));
@@ -638,15 +543,16 @@ void TestFileOps::openFailures_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("code");
     QTest::addColumn<QString>("message");
-    QTest::newRow("missing") << "missing" << QByteArray() << "GAPP-0014" << "cannot open file for reading %1";
-    QTest::newRow("directory") << "directory" << QByteArray() << "GAPP-0014" << "cannot open file for reading %1";
-    QTest::newRow("unknown") << "file" << QByteArray("what is this") << "GAPP-0007"
-                             << "cannot identify file type for file %1";
-    QTest::newRow("empty") << "file" << QByteArray() << "GAPP-0007" << "cannot identify file type for file %1";
+    const QString unreadable = QStringLiteral("cannot open file for reading %1");
+    const QString unknown = QStringLiteral("cannot identify file type for file %1");
+    QTest::newRow("missing") << "missing" << QByteArray() << "GAPP-0014" << unreadable;
+    QTest::newRow("directory") << "directory" << QByteArray() << "GAPP-0014" << unreadable;
+    QTest::newRow("unknown") << "file" << QByteArray("what is this") << "GAPP-0007" << unknown;
+    QTest::newRow("empty") << "file" << QByteArray() << "GAPP-0007" << unknown;
     QTest::newRow("image nobody opens") << "file" << PNG_HEADER << "GAPP-0007"
                                         << "cannot identify image type for file %1";
-    QTest::newRow("active type refuses the change")
-        << "file" << QByteArray("ZAL points") << "GAPP-0008" << "open file %1";
+    QTest::newRow("active type refuses the change") << "file" << QByteArray("ZAL points") << "GAPP-0008"
+                                                    << "open file %1";
 }
 
 void TestFileOps::openFailures()
@@ -655,23 +561,13 @@ void TestFileOps::openFailures()
     QFETCH(QByteArray, content);
     QFETCH(QString, code);
     QFETCH(QString, message);
-    f->add({1, 2});
-    f->types[2]->magic = QStringLiteral("ZAL");
-    f->types[1]->changePossible = false;
-    f->activate(1);
-    QString path = f->dir.filePath(QStringLiteral("nowhere/part.zal"));
-    if (kind == QLatin1String("directory")) {
-        path = f->dir.filePath(QStringLiteral("folder"));
-        QVERIFY(QDir().mkpath(path));
-    } else if (kind == QLatin1String("file")) {
-        path = f->file(QStringLiteral("part.zal"), content);
-    }
-
-    QString second, errorCode;
-    ErrorLog log;
-    QVERIFY(!f->manager.openFile(path, &second, &errorCode, &log));
-    QCOMPARE(errorCode, code);
-    QCOMPARE(log.getEntries(), QStringList{message.arg(QDir::toNativeSeparators(path))});
+    f->activeAndReader(true);
+    const QString path = kind == QLatin1String("file") ? f->file(QStringLiteral("part.zal"), content)
+                                                        : unreadablePath(kind);
+    QVERIFY(!path.isEmpty());
+    QVERIFY(!f->open(path));
+    QCOMPARE(f->code, code);
+    QCOMPARE(f->log.getEntries(), QStringList{message.arg(QDir::toNativeSeparators(path))});
     QCOMPARE(f->manager.getAppMode(), 1u);
     QVERIFY(f->callsMatching(QStringLiteral(":open(")).isEmpty());
     QVERIFY(f->callsMatching(QStringLiteral(":before(")).isEmpty());
@@ -687,69 +583,50 @@ void TestFileOps::imagesGoToTypesThatOpenImages()
     f->types[1]->magic = QString::fromLatin1(PNG_HEADER.left(4));
     f->activate(1);
     const QString path = f->file(QStringLiteral("photo.bin"), PNG_HEADER);
-    QString second, code;
-    ErrorLog log;
-    QVERIFY(f->manager.openFile(path, &second, &code, &log));
+    QVERIFY(f->open(path));
     QCOMPARE(f->manager.getAppMode(), 2u);
     // Images never reach the byte test, even of a type that would say yes.
     QVERIFY(f->callsMatching(QStringLiteral(":canOpen(")).isEmpty());
     QCOMPARE(f->journal.last(), QStringLiteral("2:open(photo.bin)"));
-
     // The active type that opens images keeps them; the questioning stops there.
     f->activate(3);
-    QVERIFY(f->manager.openFile(path, &second, &code, &log));
+    QVERIFY(f->open(path));
     QCOMPARE(f->manager.getAppMode(), 3u);
     QCOMPARE(f->journal, QStringList({"1:canOpenImage", "2:canOpenImage", "3:canOpenImage", "3:open(photo.bin)"}));
 }
 
 void TestFileOps::fileTypeIsAnsweredWithoutModeChange()
 {
-    f->add({1, 2});
-    f->types[2]->magic = QStringLiteral("ZAL");
-    f->activate(1);
-    ErrorLog log;
-    QVERIFY(f->manager.getFileType(f->file(QStringLiteral("a.zal"), "ZAL"), &log));
+    f->activeAndReader();
+    QVERIFY(f->manager.getFileType(f->file(QStringLiteral("a.zal"), "ZAL"), &f->log));
     const QString unknown = f->file(QStringLiteral("b.txt"), "text");
-    QVERIFY(!f->manager.getFileType(unknown, &log));
+    QVERIFY(!f->manager.getFileType(unknown, &f->log));
     QCOMPARE(f->manager.getAppMode(), 1u);
     QVERIFY(f->callsMatching(QStringLiteral(":possible(")).isEmpty());
-    QCOMPARE(log.getEntries(),
-             QStringList{QStringLiteral("cannot identify file type for file ") + QDir::toNativeSeparators(unknown)});
+    QCOMPARE(f->log.getEntries(), QStringList{unidentified(unknown)});
 }
 
 void TestFileOps::pasteChoosesByTheFirstFile()
 {
-    f->add({1, 2});
-    f->types[2]->magic = QStringLiteral("ZAL");
-    f->activate(1);
+    f->activeAndReader();
     const std::vector<QString> files{f->file(QStringLiteral("a.zal"), "ZAL"), f->file(QStringLiteral("b.txt"), "?")};
-    QString third, code;
-    ErrorLog log;
-    QVERIFY(f->manager.pasteFromClipboard(files, {QStringLiteral("x")}, &third, &code, &log));
+    QVERIFY(f->paste(files, {QStringLiteral("x")}));
     QCOMPARE(f->manager.getAppMode(), 2u);
-    QCOMPARE(third, QStringLiteral("2:third"));
-    QCOMPARE(code, QStringLiteral("2:code"));
+    QCOMPARE(f->second, QStringLiteral("2:third"));
+    QCOMPARE(f->code, QStringLiteral("2:code"));
     QCOMPARE(f->journal.last(), QStringLiteral("2:paste(2,1)"));
-
     // A first file nobody reads is not pasted, whatever follows it.
-    const std::vector<QString> reversed{files[1], files[0]};
-    QVERIFY(!f->manager.pasteFromClipboard(reversed, {}, &third, &code, &log));
-    QCOMPARE(code, QStringLiteral("GAPP-0007"));
-    QCOMPARE(log.getEntries(),
-             QStringList{QStringLiteral("cannot identify file type for file ") + QDir::toNativeSeparators(files[1])});
+    QVERIFY(!f->paste({files[1], files[0]}));
+    QCOMPARE(f->code, QStringLiteral("GAPP-0007"));
+    QCOMPARE(f->log.getEntries(), QStringList{unidentified(files[1])});
 }
 
 void TestFileOps::pasteRefusedWithoutLogLine()
 {
-    f->add({1, 2});
-    f->types[2]->magic = QStringLiteral("ZAL");
-    f->types[1]->changePossible = false;
-    f->activate(1);
-    QString third, code;
-    ErrorLog log;
-    QVERIFY(!f->manager.pasteFromClipboard({f->file(QStringLiteral("a.zal"), "ZAL")}, {}, &third, &code, &log));
-    QCOMPARE(code, QStringLiteral("GAPP-0008"));
-    QVERIFY(log.isEmpty());
+    f->activeAndReader(true);
+    QVERIFY(!f->paste({f->file(QStringLiteral("a.zal"), "ZAL")}));
+    QCOMPARE(f->code, QStringLiteral("GAPP-0008"));
+    QVERIFY(f->log.isEmpty());
     QCOMPARE(f->manager.getAppMode(), 1u);
     QVERIFY(f->callsMatching(QStringLiteral(":paste(")).isEmpty());
 }
@@ -758,9 +635,8 @@ void TestFileOps::pasteWithoutFilesIsAProgrammingError()
 {
     f->add({1});
     f->activate(1);
-    QString third, code;
     try {
-        f->manager.pasteFromClipboard({}, {}, &third, &code, nullptr);
+        f->manager.pasteFromClipboard({}, {}, &f->second, &f->code, nullptr);
         QFAIL("no ProgError");
     } catch (const ProgError &e) {
         QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::AppStatusManager::pasteFromClipboard"));

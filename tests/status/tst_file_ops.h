@@ -14,7 +14,6 @@ private slots:
 
     void forwardsToTheActiveType_data();
     void forwardsToTheActiveType();
-    void addressedOperationsReachTheNamedType();
     void unregisteredTypeThrowsNamingTheOperation_data();
     void unregisteredTypeThrowsNamingTheOperation();
     void answersWithoutActiveStatusData();
