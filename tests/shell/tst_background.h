@@ -13,17 +13,14 @@ private slots:
     void cleanup();
     void finishedRunReturnsTrueAndRestoresState_data();
     void finishedRunReturnsTrueAndRestoresState();
-    void threadDoneBeforeTheFirstTickLeavesNoLoop();
+    void workerDoneBeforeTheFirstTick();
     void abortQuestion_data();
     void abortQuestion();
-    void nonCancelableRunIgnoresEscape();
     void progressEventsMoveTheBar_data();
     void progressEventsMoveTheBar();
-    void lastReportIsShownBeforeTheEnd();
     void progressEventShowsOnlyWhileAllowed_data();
     void progressEventShowsOnlyWhileAllowed();
     void changesWaitInOneEvent();
-    void otherThreadsSeeTheRunningFlag();
     void nestedRunRestoresTheOuterRun();
     void failureInTheLoopRestoresStateAndThrows();
     void timedMessageLeavesThePreMessage();

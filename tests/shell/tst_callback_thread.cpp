@@ -11,6 +11,7 @@
 #include <QSemaphore>
 #include <functional>
 #include <stdexcept>
+#include <utility>
 
 using namespace Zal;
 using namespace Zal::GApp;
@@ -24,7 +25,6 @@ class Worker : public GUICallbackThread
 public:
     Worker() : GUICallbackThread(DONT_LOCK_GUI, "Worker", __FILE__, __LINE__) {}
     ~Worker() override { wait(); }
-    using GUICallbackThread::executeCallback;
 
     int calls = 1;
     std::function<void()> beforeCall; // worker thread
@@ -33,17 +33,28 @@ public:
     QStringList events;
     QStringList failures; // "function (file): message"
 
+    // Hands over once: the message of the refusal or failure, else a null string.
+    QString handOver()
+    {
+        try {
+            executeCallback();
+        } catch (const ProgError &e) {
+            return QString::fromUtf8(e.what());
+        }
+        return QString();
+    }
+
 protected:
     void run() override
     {
         for (int i = 0; i < calls; ++i) {
             if (beforeCall)
                 beforeCall();
-            try {
-                executeCallback();
+            const QString failure = handOver();
+            if (failure.isNull()) {
                 events << QStringLiteral("returned");
-            } catch (const ProgError &e) {
-                failures << QString::fromUtf8(e.what());
+            } else {
+                failures << failure;
                 if (onFailure)
                     onFailure();
             }
@@ -73,6 +84,17 @@ void runToEnd(std::initializer_list<QThread *> threads)
     loop.exec();
 }
 
+// What a worker records for one hand-over that went through.
+const QStringList handedOver{"callback in GUI thread", "returned"};
+
+// The events of a fresh worker's one hand-over.
+QStringList nextHandOver()
+{
+    Worker next;
+    runToEnd({&next});
+    return next.events;
+}
+
 QString only(const char *message)
 {
     return QStringLiteral("Zal::GApp::GUIThreadCaller::execute (gapp_gui_callback_thread): ")
@@ -98,16 +120,8 @@ struct TestCallbackThread::Fixture
     ~Fixture() { delete window; }
 };
 
-void TestCallbackThread::init()
-{
-    _f = new Fixture;
-}
-
-void TestCallbackThread::cleanup()
-{
-    delete _f;
-    _f = nullptr;
-}
+void TestCallbackThread::init() { _f = new Fixture; }
+void TestCallbackThread::cleanup() { delete std::exchange(_f, nullptr); }
 
 void TestCallbackThread::callbacksRunInTheGuiThreadBeforeEachCallReturns()
 {
@@ -116,7 +130,7 @@ void TestCallbackThread::callbacksRunInTheGuiThreadBeforeEachCallReturns()
     QStringList captions;
     worker.onGui = [&] { captions << MainWindow::main_win->getCaption(); };
     runToEnd({&worker});
-    QCOMPARE(worker.events, QStringList({"callback in GUI thread", "returned", "callback in GUI thread", "returned"}));
+    QCOMPARE(worker.events, handedOver + handedOver);
     QCOMPARE(captions, QStringList({"callback test", "callback test"}));
     QVERIFY(worker.failures.isEmpty());
 }
@@ -136,10 +150,7 @@ void TestCallbackThread::ofTwoOverlappingHandOversOneThrows()
     runToEnd({&a, &b});
     QCOMPARE(a.events.size() + b.events.size(), 2); // one callback, one return
     QCOMPARE(a.failures + b.failures, QStringList({only("Only one thread instance allowed")}));
-
-    Worker next;
-    runToEnd({&next});
-    QCOMPARE(next.events, QStringList({"callback in GUI thread", "returned"}));
+    QCOMPARE(nextHandOver(), handedOver);
 }
 
 void TestCallbackThread::refusalsAndFailuresLeaveTheNextHandOverWorking_data()
@@ -147,13 +158,11 @@ void TestCallbackThread::refusalsAndFailuresLeaveTheNextHandOverWorking_data()
     QTest::addColumn<QString>("how");
     QTest::addColumn<QString>("failure");
     QTest::addColumn<QStringList>("events");
-    const QStringList ran{"callback in GUI thread"};
-    QTest::newRow("callback hands over again")
-        << "nested" << only("Only one thread instance allowed") << QStringList({ran.first(), "returned"});
+    QTest::newRow("callback hands over again") << "nested" << only("Only one thread instance allowed") << handedOver;
     QTest::newRow("from the GUI thread") << "gui" << only("called in the GUI thread") << QStringList();
     QTest::newRow("no main window") << "nowindow" << only("no main window to run the callback") << QStringList();
     QTest::newRow("callback throws") << "throw" << QStringLiteral("Zal::GApp::Test (tst_callback_thread): boom")
-                                     << ran;
+                                     << QStringList{handedOver.first()};
     QTest::newRow("event dropped undelivered")
         << "drop"
         << QStringLiteral("Zal::GApp::GUIThreadCallbackEvent::~GUIThreadCallbackEvent (gapp_gui_callback_thread): "
@@ -168,26 +177,14 @@ void TestCallbackThread::refusalsAndFailuresLeaveTheNextHandOverWorking()
     Worker worker;
     QStringList failures;
     Swallow swallow;
-    if (how == QLatin1String("nested")) {
-        worker.onGui = [&] {
-            try {
-                worker.executeCallback();
-            } catch (const ProgError &e) {
-                failures << QString::fromUtf8(e.what());
-            }
-        };
-    } else if (how == QLatin1String("throw")) {
+    if (how == QLatin1String("nested"))
+        worker.onGui = [&] { failures << worker.handOver(); };
+    else if (how == QLatin1String("throw"))
         worker.onGui = [] { throw ZAL_PROG_ERROR("Zal::GApp::Test", QStringLiteral("boom")); };
-    } else if (how == QLatin1String("drop")) {
+    else if (how == QLatin1String("drop"))
         _f->window->installEventFilter(&swallow);
-    }
-
     if (how == QLatin1String("gui")) {
-        try {
-            worker.executeCallback();
-        } catch (const ProgError &e) {
-            failures << QString::fromUtf8(e.what());
-        }
+        failures << worker.handOver();
     } else {
         MainWindow *const window = MainWindow::main_win;
         if (how == QLatin1String("nowindow"))
@@ -199,8 +196,5 @@ void TestCallbackThread::refusalsAndFailuresLeaveTheNextHandOverWorking()
     _f->window->removeEventFilter(&swallow);
     QCOMPARE(failures, QStringList({failure}));
     QTEST(worker.events, "events");
-
-    Worker next;
-    runToEnd({&next});
-    QCOMPARE(next.events, QStringList({"callback in GUI thread", "returned"}));
+    QCOMPARE(nextHandOver(), handedOver);
 }

@@ -33,23 +33,19 @@ struct Result
     QStringList log;
 };
 
-Result runProcess(const QStringList &args, const QString &input = QString())
+// Runs the program `args`, or with `shell` the shell command args[0].
+Result runProcess(const QStringList &args, const QString &input = QString(), bool shell = false)
 {
     Result r;
     ErrorLog log;
-    r.ok = ExecuteProcess(std::vector<QString>(args.begin(), args.end()), input, &r.out, &r.err, &r.aborted, &log);
+    const std::vector<QString> argv(args.begin(), args.end());
+    r.ok = shell ? ExecuteShellCommand(args.value(0), input, &r.out, &r.err, &r.aborted, &log)
+                 : ExecuteProcess(argv, input, &r.out, &r.err, &r.aborted, &log);
     r.log = log.getEntries();
     return r;
 }
 
-Result runShell(const QString &command)
-{
-    Result r;
-    ErrorLog log;
-    r.ok = ExecuteShellCommand(command, QString(), &r.out, &r.err, &r.aborted, &log);
-    r.log = log.getEntries();
-    return r;
-}
+Result runShell(const QString &command) { return runProcess({command}, QString(), true); }
 
 // A FIFO for handshakes with a child: opening it blocks until the other side
 // opens it too, so each side knows where the other one is.
@@ -89,10 +85,7 @@ private:
     std::unique_ptr<QThread> _writer;
 };
 
-QStringList commandFiles(const QString &directory)
-{
-    return QDir(directory).entryList({QStringLiteral("tmp_*")}, QDir::Files);
-}
+QStringList commandFiles(const QString &dir) { return QDir(dir).entryList({QStringLiteral("tmp_*")}, QDir::Files); }
 
 } // namespace
 
@@ -108,18 +101,15 @@ struct TestShellCommand::Fixture
     }
     ~Fixture() { delete window; }
     QString tempDir() const { return env.user.filePath(QStringLiteral("tmp")); }
+    // The name the command file gets when the `taken` names before it exist.
+    QString commandFile(int taken = 0) const
+    {
+        return tempDir() + QStringLiteral("/tmp_%1.sh").arg(OS::getPID() + taken);
+    }
 };
 
-void TestShellCommand::init()
-{
-    _f = new Fixture;
-}
-
-void TestShellCommand::cleanup()
-{
-    delete _f;
-    _f = nullptr;
-}
+void TestShellCommand::init() { _f = new Fixture; }
+void TestShellCommand::cleanup() { delete std::exchange(_f, nullptr); }
 
 void TestShellCommand::programResults_data()
 {
@@ -129,35 +119,29 @@ void TestShellCommand::programResults_data()
     QTest::addColumn<QString>("out");
     QTest::addColumn<QString>("err");
     QTest::addColumn<QStringList>("log");
+    const auto row = [](const char *name, const QStringList &args, bool ok, const QString &out, const QString &err,
+                        const QStringList &log = {}, const QString &input = {}) {
+        QTest::newRow(name) << args << input << ok << out << err << log;
+    };
     const QString sh = QStringLiteral("/bin/sh"), c = QStringLiteral("-c"), no = QStringLiteral("untouched");
     const QString cantStart = QStringLiteral("can't start shell process");
-    QTest::newRow("one line feed dropped") << QStringList{sh, c, "printf 'abc\\n\\n'"} << QString() << true
-                                           << "abc\n" << "" << QStringList();
-    QTest::newRow("error output apart") << QStringList{sh, c, "echo out; echo err >&2"} << QString() << true
-                                        << "out" << "err" << QStringList();
-    QTest::newRow("input on standard input") << QStringList{sh, c, "cat"} << QStringLiteral("h\u00e9llo\nw\u00f6rld")
-                                             << true << QStringLiteral("h\u00e9llo\nw\u00f6rld") << "" << QStringList();
-    QTest::newRow("standard input left open without input") << QStringList{HELPER, "stdin-state"} << QString()
-                                                            << true << "open" << "" << QStringList();
-    QTest::newRow("standard input closed after input") << QStringList{sh, c, "cat >/dev/null; " + HELPER + " stdin-state"}
-                                                       << QStringLiteral("x") << true << "closed" << ""
-                                                       << QStringList();
-    QTest::newRow("exit code with error text")
-        << QStringList{sh, c, "echo bad >&2; exit 3"} << QString() << false << "" << "bad"
-        << QStringList{"can't execute: /bin/sh -c echo bad >&2; exit 3\nexit code 3\nbad"};
-    QTest::newRow("exit code alone") << QStringList{HELPER, "exit", "4"} << QString() << false << "" << ""
-                                     << QStringList{"can't execute: " + HELPER + " exit 4\nexit code 4"};
-    QTest::newRow("crash") << QStringList{sh, c, "kill -KILL $$"} << QString() << false << "" << ""
-                           << QStringList{"can't execute: /bin/sh -c kill -KILL $$\nabnormal exit"};
-    QTest::newRow("large output on both channels")
-        << QStringList{sh, c, "head -c 3000000 /dev/zero | tr '\\0' x & head -c 2000000 /dev/zero | tr '\\0' y >&2; wait"}
-        << QString() << true << QString(3000000, QLatin1Char('x')) << QString(2000000, QLatin1Char('y'))
-        << QStringList();
-    QTest::newRow("missing program") << QStringList{"/nonexistent/zal-program"} << QString() << false << no << no
-                                     << QStringList{cantStart};
-    QTest::newRow("not executable") << QStringList{ZAL_TEST_SOURCE_DIR "/tst_shell.cpp"} << QString() << false << no
-                                    << no << QStringList{cantStart};
-    QTest::newRow("no program at all") << QStringList() << QString() << false << no << no << QStringList{cantStart};
+    const QString text = QStringLiteral("h\u00e9llo\nw\u00f6rld");
+    row("one line feed dropped", {sh, c, "printf 'abc\\n\\n'"}, true, "abc\n", "");
+    row("error output apart", {sh, c, "echo out; echo err >&2"}, true, "out", "err");
+    row("input on standard input", {sh, c, "cat"}, true, text, "", {}, text);
+    row("standard input left open without input", {HELPER, "stdin-state"}, true, "open", "");
+    row("standard input closed after input", {sh, c, "cat >/dev/null; " + HELPER + " stdin-state"}, true, "closed", "",
+        {}, "x");
+    row("exit code with error text", {sh, c, "echo bad >&2; exit 3"}, false, "", "bad",
+        {"can't execute: /bin/sh -c echo bad >&2; exit 3\nexit code 3\nbad"});
+    row("exit code alone", {HELPER, "exit", "4"}, false, "", "", {"can't execute: " + HELPER + " exit 4\nexit code 4"});
+    row("crash", {sh, c, "kill -KILL $$"}, false, "", "", {"can't execute: /bin/sh -c kill -KILL $$\nabnormal exit"});
+    row("large output on both channels",
+        {sh, c, "head -c 3000000 /dev/zero | tr '\\0' x & head -c 2000000 /dev/zero | tr '\\0' y >&2; wait"}, true,
+        QString(3000000, QLatin1Char('x')), QString(2000000, QLatin1Char('y')));
+    row("missing program", {"/nonexistent/zal-program"}, false, no, no, {cantStart});
+    row("not executable", {ZAL_TEST_SOURCE_DIR "/tst_shell.cpp"}, false, no, no, {cantStart});
+    row("no program at all", {}, false, no, no, {cantStart});
 }
 
 void TestShellCommand::programResults()
@@ -171,8 +155,7 @@ void TestShellCommand::programResults()
     QTEST(r.err, "err");
     QTEST(r.log, "log");
     QVERIFY(!r.aborted);
-    QVERIFY(!_f->window->isGUILocked());
-    QVERIFY(!_f->window->isDrawingLocked());
+    QVERIFY(!_f->window->isGUILocked() && !_f->window->isDrawingLocked());
     // Views are told to refresh, also after a failure.
     QCOMPARE(selection.count(), 1);
     QCOMPARE(selection.at(0).at(1).value<SelectionMode_t>(), SelectionMode_t(2));
@@ -188,7 +171,7 @@ void TestShellCommand::inputLockedButPaintingWhileWaiting()
     button->show();
     int clicks = 0;
     connect(button, &QPushButton::clicked, [&] { ++clicks; });
-    bool guiLocked = false, drawingLocked = false;
+    bool locked = false;
     struct PaintProbe : QObject
     {
         std::function<void()> painted;
@@ -200,8 +183,7 @@ void TestShellCommand::inputLockedButPaintingWhileWaiting()
         }
     } probe;
     QTimer::singleShot(0, w, [&] {
-        guiLocked = w->isGUILocked();
-        drawingLocked = w->isDrawingLocked();
+        locked = w->isGUILocked() && w->isDrawingLocked();
         QTest::mouseClick(button, Qt::LeftButton);
         probe.painted = [&] { fifo.sendLater("painted\n"); };
         button->installEventFilter(&probe);
@@ -210,7 +192,7 @@ void TestShellCommand::inputLockedButPaintingWhileWaiting()
     const Result r = runProcess({"/bin/sh", "-c", "read x < '" + fifo.path + "'; echo \"$x\""});
     QVERIFY(r.ok);
     QCOMPARE(r.out, QStringLiteral("painted"));
-    QVERIFY(guiLocked && drawingLocked);
+    QVERIFY(locked);
     QCOMPARE(clicks, 0);
     QVERIFY(!w->isGUILocked() && !w->isDrawingLocked());
     QTest::mouseClick(button, Qt::LeftButton);
@@ -220,6 +202,7 @@ void TestShellCommand::inputLockedButPaintingWhileWaiting()
 void TestShellCommand::escapeAsksBeforeAborting_data()
 {
     QTest::addColumn<QString>("child");
+    QTest::addColumn<QStringList>("args"); // FIFO stands for the handshake FIFO
     QTest::addColumn<QList<int>>("answers");
     QTest::addColumn<bool>("ok");
     QTest::addColumn<QString>("out");
@@ -227,18 +210,23 @@ void TestShellCommand::escapeAsksBeforeAborting_data()
     QTest::addColumn<QStringList>("log");
     const QStringList abortLog{"shell command execution aborted"};
     // After Cancel the child is released by the test and ends by itself.
-    QTest::newRow("cancel keeps waiting") << "reader" << QList<int>{1} << true << "go" << false << QStringList();
-    QTest::newRow("ok terminates") << "sleeper" << QList<int>{0} << false << "" << true << abortLog;
+    QTest::newRow("cancel keeps waiting") << "reader" << QStringList{"/bin/sh", "-c", "read x < 'FIFO'; echo \"$x\""}
+                                          << QList<int>{1} << true << "go" << false << QStringList();
+    QTest::newRow("ok terminates") << "sleeper" << QStringList{HELPER, "sleep", "60"} << QList<int>{0} << false << ""
+                                   << true << abortLog;
     // The child ignores the terminate request; only the second abort ends it.
-    QTest::newRow("second ok kills") << "stubborn" << QList<int>{0, 0} << false << "" << true << abortLog;
+    QTest::newRow("second ok kills") << "stubborn" << QStringList{HELPER, "ignore-term", "FIFO"} << QList<int>{0, 0}
+                                     << false << "" << true << abortLog;
 }
 
 void TestShellCommand::escapeAsksBeforeAborting()
 {
     QFETCH(QString, child);
+    QFETCH(QStringList, args);
     QFETCH(QList<int>, answers);
     MainWindow *w = _f->window;
     Fifo fifo;
+    args.replaceInStrings(QStringLiteral("FIFO"), fifo.path);
     std::vector<GTools::DialogRequest> asked;
     int questions = 0;
     const auto previous = GTools::DialogSeam::setHandler([&](const GTools::DialogRequest &r) {
@@ -254,13 +242,6 @@ void TestShellCommand::escapeAsksBeforeAborting()
         });
         return answer;
     });
-    QStringList args;
-    if (child == QLatin1String("reader"))
-        args = QStringList{"/bin/sh", "-c", "read x < '" + fifo.path + "'; echo \"$x\""};
-    else if (child == QLatin1String("sleeper"))
-        args = QStringList{HELPER, "sleep", "60"};
-    else
-        args = QStringList{HELPER, "ignore-term", fifo.path};
     QByteArray ready = "ready\n";
     QTimer::singleShot(0, w, [&] {
         if (child == QLatin1String("stubborn"))
@@ -269,19 +250,15 @@ void TestShellCommand::escapeAsksBeforeAborting()
     });
     const Result r = runProcess(args);
     GTools::DialogSeam::setHandler(previous);
-
     QCOMPARE(ready, QByteArray("ready\n"));
     QTEST(r.ok, "ok");
     QTEST(r.out, "out");
     QTEST(r.aborted, "aborted");
     QTEST(r.log, "log");
     QCOMPARE(int(asked.size()), answers.size());
-    for (const GTools::DialogRequest &q : asked) {
-        QCOMPARE(q.kind, QStringLiteral("okcancel"));
-        QCOMPARE(q.type, 0);
-        QCOMPARE(q.title, QStringLiteral("abort computation"));
-        QCOMPARE(q.text, QStringLiteral("abort the computation?"));
-    }
+    for (const GTools::DialogRequest &q : asked)
+        QCOMPARE(QStringList({q.kind, QString::number(q.type), q.title, q.text}),
+                 QStringList({"okcancel", "0", "abort computation", "abort the computation?"}));
     QVERIFY(!w->isGUILocked() && !w->isDrawingLocked());
     QVERIFY(!QApplication::overrideCursor());
 }
@@ -311,23 +288,19 @@ void TestShellCommand::shellCommands()
     qunsetenv("PYTHONHOMEDIR");
     QTEST(r.ok, "ok");
     QTEST(r.out, "out");
-    log.replaceInStrings(QStringLiteral("FILE"), _f->tempDir() + QStringLiteral("/tmp_%1.sh").arg(OS::getPID()));
-    QCOMPARE(r.log, log);
+    QCOMPARE(r.log, log.replaceInStrings(QStringLiteral("FILE"), _f->commandFile()));
     QCOMPARE(commandFiles(_f->tempDir()), QStringList());
 }
 
 void TestShellCommand::commandFileNameCountsUpOnlyWhileTaken()
 {
-    const QString dir = _f->tempDir();
-    const QString first = QStringLiteral("tmp_%1.sh").arg(OS::getPID());
-    TestUtil::writeFile(dir + QLatin1Char('/') + first, "someone else's\n");
-    Result r = runShell(QStringLiteral("echo \"$0\""));
-    QCOMPARE(r.out, dir + QStringLiteral("/tmp_%1.sh").arg(OS::getPID() + 1));
-    QCOMPARE(commandFiles(dir), QStringList{first});
-    QVERIFY(QFile::remove(dir + QLatin1Char('/') + first));
-    r = runShell(QStringLiteral("echo \"$0\""));
-    QCOMPARE(r.out, dir + QLatin1Char('/') + first);
-    QCOMPARE(commandFiles(dir), QStringList());
+    const QString first = _f->commandFile();
+    TestUtil::writeFile(first, "someone else's\n");
+    QCOMPARE(runShell(QStringLiteral("echo \"$0\"")).out, _f->commandFile(1));
+    QCOMPARE(commandFiles(_f->tempDir()), QStringList{QFileInfo(first).fileName()});
+    QVERIFY(QFile::remove(first));
+    QCOMPARE(runShell(QStringLiteral("echo \"$0\"")).out, first);
+    QCOMPARE(commandFiles(_f->tempDir()), QStringList());
 }
 
 void TestShellCommand::unwritableTemporaryDirectoryFails()
