@@ -17,17 +17,11 @@
 #include "zal_os.h"
 #include "zal_services.h"
 #include "zal_translate.h"
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QtTest>
 #include "test_util.h"
-#include <cstdio>
-#include <memory>
+#include <QDateTime>
+#include <QProcess>
+#include <optional>
 #include <set>
-#include <unistd.h>
 
 using namespace Zal;
 using TestUtil::captureStdout;
@@ -35,8 +29,6 @@ using TestUtil::writeFile;
 using namespace Zal::GApp;
 
 namespace {
-
-
 
 QStringList keysOf(const CfgNode *node)
 {
@@ -50,32 +42,46 @@ QStringList keysOf(const CfgNode *node)
 class FakeStatus : public StatusData
 {
 public:
-    FakeStatus(unsigned int mode, int *commits) : StatusData(mode, QString()), _commits(commits) {}
+    FakeStatus(unsigned int mode, int *commitCount) : StatusData(mode, QString()), commits(commitCount) {}
     QString getMainMenuName() override { return QString(); }
     bool isAppModeChangePossible(unsigned int) override { return true; }
     bool canExitProgram() override { return canExit; }
     void exitProgram() override {}
-    void commitData() override { ++*_commits; }
+    void commitData() override { ++*commits; }
     bool isEmpty() override { return data.empty(); }
     std::vector<const char *> getAdditionalSelectionNames() override { return {}; }
     std::vector<QString> getSelectedData(const char *) override { return data; }
     std::vector<QString> getAllData() override { return data; }
     bool isDataModified(const QString &name) const override { return modified.count(name) != 0; }
-
     bool canExit = true;
     std::vector<QString> data;
     std::set<QString> modified;
-
-private:
-    int *_commits;
+    int *commits;
 };
+
+// The ProgError that `fn` throws, none when it returns.
+template <class F> std::optional<ProgError> thrown(F fn)
+{
+    try {
+        fn();
+    } catch (const ProgError &e) {
+        return e;
+    }
+    return std::nullopt;
+}
+
+template <class F> QString thrownMessage(F fn)
+{
+    const auto e = thrown(fn);
+    return e ? e->getMessage() : QStringLiteral("<no ProgError>");
+}
 
 struct SessionSaver : SaveSessionHandler
 {
+    explicit SessionSaver(bool canSave = true, bool saveSucceeds = true) : can(canSave), succeeds(saveSucceeds) {}
     bool canSaveSession() override { return can; }
     bool saveSession() override { ++saves; return succeeds; }
-    bool can = true;
-    bool succeeds = true;
+    bool can, succeeds;
     int saves = 0;
 };
 
@@ -85,21 +91,24 @@ class TestShell : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> _userDir;
-    std::unique_ptr<QTemporaryDir> _softwareDir;
-    std::unique_ptr<QTemporaryDir> _workDir;
+    std::unique_ptr<QTemporaryDir> _userDir, _softwareDir, _workDir;
     QString _oldCwd;
+    int _commits = 0; // commitData() calls of the FakeStatus types
 
-    QString userFile(const QString &suffix) const
+    // A type registered with the open window's status manager.
+    FakeStatus *addType(unsigned int mode)
     {
-        return _userDir->filePath(ZalInit::getApplicationName() + suffix);
+        auto *status = new FakeStatus(mode, &_commits);
+        MainWindow::smgr->setStatusData(mode, status);
+        return status;
     }
+
+    QString userFile(const QString &suffix) const { return _userDir->filePath(ZalInit::getApplicationName() + suffix); }
+    QString layoutIn(const QString &sub) const { return _softwareDir->filePath(sub + "/" + ZalInit::getApplicationName() + ".xml"); }
 
     // A main window on a fresh library node; the arguments stay readable.
-    MainWindow *openWindow(QStringList &args)
-    {
-        return new MainWindow("shell test", new AppStatusManager, InitLibrary(), args);
-    }
+    MainWindow *openWindow(QStringList &args) { return new MainWindow("shell test", new AppStatusManager, InitLibrary(), args); }
+    MainWindow *openWindow(QStringList &&args = {"prog"}) { return openWindow(args); }
 
 private slots:
     void init()
@@ -118,23 +127,15 @@ private slots:
         _oldCwd = QDir::currentPath();
         QDir::setCurrent(_workDir->path());
         ZalInit::_app = 0;
+        _commits = 0;
     }
-
     void cleanup()
     {
         delete MainWindow::main_win;
         OS::setMaxVirtualMemorySize(2147483647);
         QDir::setCurrent(_oldCwd);
-        _userDir.reset();
-        _softwareDir.reset();
-        _workDir.reset();
+        _userDir.reset(), _softwareDir.reset(), _workDir.reset();
     }
-
-    QString layoutIn(const QString &sub) const
-    {
-        return _softwareDir->filePath(sub + QLatin1Char('/') + ZalInit::getApplicationName() + ".xml");
-    }
-
     void initLibraryAddsTheItemsInOrder()
     {
         std::unique_ptr<CfgNode> node(InitLibrary());
@@ -144,14 +145,12 @@ private slots:
                               "ImageFileFormat", "VideoFileFormat", "UseLargeIcons", "VirtualMemoryLimit",
                               "IgnoredSystemTemplates", "MainWinLayout", "RemoteControl", "RenderOptions"}));
         QCOMPARE(keysOf(node->getNode("UserDirectory")),
-                 QStringList({"RecentFileNames2", "RecentFileCommands2", "RecentFileParams2",
-                              "RecentFileAppModes2", "RecentFileVersion", "ProjectBase", "TempDir",
-                              "ClipboardDir"}));
+                 QStringList({"RecentFileNames2", "RecentFileCommands2", "RecentFileParams2", "RecentFileAppModes2",
+                              "RecentFileVersion", "ProjectBase", "TempDir", "ClipboardDir"}));
         QCOMPARE(keysOf(node->getNode("MainWinLayout")), QStringList({"MainArea", "Toolbars3"}));
         QCOMPARE(node->getNode("RemoteControl")->getItems().size(), size_t(15));
         QVERIFY(node->getNode("RenderOptions")->getItems().empty());
     }
-
     void initLibraryDefaults()
     {
         std::unique_ptr<CfgNode> node(InitLibrary());
@@ -174,8 +173,7 @@ private slots:
         QCOMPARE(node->getFileName(CFG_TEMP_DIR)->getValue(), _userDir->path() + "/tmp");
         QCOMPARE(node->getFileName(CFG_CLIPBOARD_DIR)->getValue(), _userDir->path());
         QCOMPARE(node->getList(CFG_IMAGE_FILE_FORMAT)->getValue(), 2);
-        QCOMPARE(node->getList(CFG_IMAGE_FILE_FORMAT)->getEntries(),
-                 std::vector<QString>({"TIFF", "JPEG", "PNG"}));
+        QCOMPARE(node->getList(CFG_IMAGE_FILE_FORMAT)->getEntries(), std::vector<QString>({"TIFF", "JPEG", "PNG"}));
         QCOMPARE(node->getList(CFG_VIDEO_FILE_FORMAT)->getValue(), 1);
         QVERIFY(!node->getBool("UseLargeIcons")->getValue());
         CfgDbl *vm = node->getDbl("VirtualMemoryLimit");
@@ -190,7 +188,6 @@ private slots:
         QCOMPARE(node->getFileName("RemoteControl/CreateSound2")->getValue(), QStringLiteral("sounds/create.wav"));
         QCOMPARE(int(node->getFileName("RemoteControl/CreateSound2")->getMode()), 2);
     }
-
     void applicationTypeDecidesLevelFlagAndVideoFormats()
     {
         ZalInit::_app = 9;
@@ -201,7 +198,6 @@ private slots:
         node.reset(InitLibrary());
         QVERIFY(node->getList(CFG_VIDEO_FILE_FORMAT));
     }
-
     void initLibraryRegistersErrorCodesAndInfo()
     {
         std::unique_ptr<CfgNode> node(InitLibrary());
@@ -214,7 +210,6 @@ private slots:
         QCOMPARE(GTools::InfoMessageContainer::getText("gapp_window_size_limited"),
                  QStringLiteral("the currently active renderer does not allow the window to be fully maximized."));
     }
-
     void libraryTextsComeFromTheCatalogue()
     {
         std::vector<QString> codes, names;
@@ -230,23 +225,19 @@ private slots:
         // The list of languages is the entries of the language item.
         QCOMPARE(node->getList("Language")->getEntries(), names);
     }
-
     void arguments_data()
     {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QStringList>("left");
         QTest::addColumn<QString>("configFile");
         QTest::addColumn<bool>("safemode");
-        QTest::newRow("both") << QStringList{"prog", "-config", "my.cfg", "-safemode"} << QStringList{"prog"}
-                              << "my.cfg" << true;
-        QTest::newRow("config last") << QStringList{"prog", "-safemode", "-config"}
-                                     << QStringList{"prog", "-config"} << QString() << true;
-        QTest::newRow("first only") << QStringList{"prog", "-config", "a.cfg", "-config", "b.cfg"}
-                                    << QStringList{"prog", "-config", "b.cfg"} << "a.cfg" << false;
-        QTest::newRow("program name is no option") << QStringList{"-safemode"} << QStringList{"-safemode"}
-                                                   << QString() << false;
+        using L = QStringList;
+        QTest::newRow("both") << L{"prog", "-config", "my.cfg", "-safemode"} << L{"prog"} << "my.cfg" << true;
+        QTest::newRow("config last") << L{"prog", "-safemode", "-config"} << L{"prog", "-config"} << QString() << true;
+        QTest::newRow("first only") << L{"prog", "-config", "a.cfg", "-config", "b.cfg"} << L{"prog", "-config", "b.cfg"}
+                                    << "a.cfg" << false;
+        QTest::newRow("program name is no option") << L{"-safemode"} << L{"-safemode"} << QString() << false;
     }
-
     void arguments()
     {
         QFETCH(QStringList, args);
@@ -256,84 +247,58 @@ private slots:
         QTEST(w->getConfigFileName(), "configFile");
         QTEST(w->isSafemode(), "safemode");
     }
-
     void secondMainWindowThrows()
     {
+        openWindow();
+        std::unique_ptr<CfgNode> node(InitLibrary());
+        auto smgr = std::make_unique<AppStatusManager>();
         QStringList args{"prog"};
-        openWindow(args);
-        CfgNode *node = InitLibrary();
-        auto *smgr = new AppStatusManager;
-        try {
-            MainWindow second("second", smgr, node, args);
-            QFAIL("no exception");
-        } catch (const ProgError &e) {
-            QCOMPARE(e.getMessage(), QStringLiteral("trying to create second main window"));
-        }
-        delete smgr;
-        delete node;
+        QCOMPARE(thrownMessage([&] { MainWindow second("second", smgr.get(), node.get(), args); }),
+                 QStringLiteral("trying to create second main window"));
         QVERIFY(MainWindow::main_win);
         QCOMPARE(MainWindow::main_win->getCaption(), QStringLiteral("shell test"));
     }
-
     void layoutSearchOrder()
     {
-        QStringList args{"prog"};
-        QCOMPARE(QFileInfo(openWindow(args)->getLayoutFileName()).absoluteFilePath(),
-                 QFileInfo(layoutIn("layout")).absoluteFilePath());
+        auto absolute = [](const QString &path) { return QFileInfo(path).absoluteFilePath(); };
+        QCOMPARE(absolute(openWindow()->getLayoutFileName()), absolute(layoutIn("layout")));
         delete MainWindow::main_win;
         writeFile(layoutIn("config"), "<layout/>");
-        QCOMPARE(QFileInfo(openWindow(args)->getLayoutFileName()).absoluteFilePath(),
-                 QFileInfo(layoutIn("config")).absoluteFilePath());
+        QCOMPARE(absolute(openWindow()->getLayoutFileName()), absolute(layoutIn("config")));
         delete MainWindow::main_win;
         writeFile(ZalInit::getApplicationName() + ".xml", "<layout/>");
-        QCOMPARE(openWindow(args)->getLayoutFileName(), ZalInit::getApplicationName() + ".xml");
+        QCOMPARE(openWindow()->getLayoutFileName(), ZalInit::getApplicationName() + ".xml");
     }
-
     void layoutErrors()
     {
         QVERIFY(QFile::remove(layoutIn("layout")));
-        QStringList args{"prog"};
-        try {
-            openWindow(args);
-            QFAIL("no exception");
-        } catch (const ProgError &e) {
-            QCOMPARE(e.getMessage(), QStringLiteral("cannot read menu layout file"));
-            QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::MainWindow::readLayout"));
-        }
+        const auto missing = thrown([&] { openWindow(); });
+        QVERIFY(missing);
+        QCOMPARE(missing->getMessage(), QStringLiteral("cannot read menu layout file"));
+        QCOMPARE(missing->getFunction(), QStringLiteral("Zal::GApp::MainWindow::readLayout"));
         QVERIFY(!MainWindow::main_win);
-
         writeFile(layoutIn("layout"), "<layout>\n<menusection>\n  <menu </menusection>\n</layout>\n");
-        try {
-            openWindow(args);
-            QFAIL("no exception");
-        } catch (const ProgError &e) {
-            const QRegularExpression form(QStringLiteral(
-                "^cannot set contents of menu layout file: .+ in line 3 in column \\d+$"));
-            QVERIFY2(form.match(e.getMessage()).hasMatch(), qPrintable(e.getMessage()));
-        }
+        const QString broken = thrownMessage([&] { openWindow(); });
+        const QRegularExpression form(
+            QStringLiteral("^cannot set contents of menu layout file: .+ in line 3 in column \\d+$"));
+        QVERIFY2(form.match(broken).hasMatch(), qPrintable(broken));
         QVERIFY(!MainWindow::main_win);
     }
-
     void freshStartKeepsDefaults()
     {
         GTools::ScriptedDialogs dialogs;
-        QStringList args{"prog"};
-        MainWindow *w = openWindow(args);
+        MainWindow *w = openWindow();
         QVERIFY(w->loadConfiguration());
         w->checkConfiguration();
         QVERIFY(dialogs.requests().empty());
         QVERIFY(!QFile::exists(userFile(".cfg.bad")));
     }
-
     void damagedFileIsKeptAndDefaultsStand()
     {
         writeFile(userFile(".cfg"), QByteArray("\x01\x02 not a configuration\n"));
         GTools::ScriptedDialogs dialogs;
-        QStringList args{"prog"};
-        MainWindow *w = openWindow(args);
-        QFile bad(userFile(".cfg.bad"));
-        QVERIFY(bad.open(QIODevice::ReadOnly));
-        QCOMPARE(bad.readAll(), QByteArray("\x01\x02 not a configuration\n"));
+        MainWindow *w = openWindow();
+        QCOMPARE(TestUtil::readFile(userFile(".cfg.bad")), QByteArray("\x01\x02 not a configuration\n"));
         QCOMPARE(MainWindow::cfg->getInt(CFG_LEVEL_ENTRY)->getValue(), 0);
         QVERIFY(!MainWindow::cfg->getBool("UseLargeIcons")->getValue());
         w->checkConfiguration();
@@ -342,11 +307,9 @@ private slots:
         QCOMPARE(dialogs.requests()[0].text,
                  QStringLiteral("the configuration file is invalid. default values will be used."));
     }
-
     void saveWritesAFileThatLoadsBack()
     {
-        QStringList args{"prog"};
-        MainWindow *w = openWindow(args);
+        MainWindow *w = openWindow();
         MainWindow::cfg->getBool("UseLargeIcons")->setValue(true);
         MainWindow::cfg->getInt(CFG_LEVEL_ENTRY)->setValue(1);
         MainWindow::cfg->getArray<QString>(CFG_RECENT_FILE_NAMES)->addValue(QStringLiteral("/data/part | 1.stl"));
@@ -354,7 +317,6 @@ private slots:
         QVERIFY(w->saveConfiguration());
         QCOMPARE(saved.count(), 1);
         QVERIFY(!QFile::exists(ConfigFile::tempFileName(userFile(".cfg"))));
-
         std::unique_ptr<CfgNode> fresh(InitLibrary());
         bool found = false;
         QVERIFY(ConfigFile::load(fresh.get(), userFile(".cfg"), &found));
@@ -364,19 +326,16 @@ private slots:
                  std::vector<QString>({"/data/part | 1.stl"}));
         // The editing level always starts at 0, whatever was saved.
         delete w;
-        MainWindow *again = openWindow(args);
-        QVERIFY(again);
+        QVERIFY(openWindow());
         QCOMPARE(MainWindow::cfg->getInt(CFG_LEVEL_ENTRY)->getValue(), 0);
         QVERIFY(MainWindow::cfg->getBool("UseLargeIcons")->getValue());
     }
-
     void failedSaveLeavesNoTemporaryFile()
     {
         std::unique_ptr<CfgNode> node(InitLibrary());
         const QString missingDir = _userDir->filePath("no/such/dir/app.cfg");
         QVERIFY(!ConfigFile::save(node.get(), missingDir));
         QVERIFY(!QFile::exists(ConfigFile::tempFileName(missingDir)));
-
         // A directory in the file's place cannot be replaced: it stays.
         const QString blocked = _userDir->filePath("blocked.cfg");
         QVERIFY(QDir().mkpath(blocked));
@@ -384,7 +343,6 @@ private slots:
         QVERIFY(QFileInfo(blocked).isDir());
         QVERIFY(!QFile::exists(ConfigFile::tempFileName(blocked)));
     }
-
     void twoProcessesUseDifferentTemporaryFiles()
     {
         const QString file = userFile(".cfg");
@@ -398,7 +356,6 @@ private slots:
         QVERIFY(childTemp != ConfigFile::tempFileName(file));
         QCOMPARE(ConfigFile::tempFileName(file), file + QStringLiteral("-tmp-%1").arg(OS::getPID()));
     }
-
     void processKilledWhileSavingLeavesALoadableFile()
     {
         const QString file = userFile(".cfg");
@@ -418,13 +375,11 @@ private slots:
             QVERIFY(seen.contains("saving 2"));
             child.kill();
             QVERIFY(child.waitForFinished(30000));
-
             std::unique_ptr<CfgNode> node(InitLibrary());
             QVERIFY(node->load(file));
             QVERIFY(node->getBool("UseLargeIcons")->getValue());
         }
     }
-
     void recentFileLists_data()
     {
         QTest::addColumn<int>("names");
@@ -435,20 +390,16 @@ private slots:
         QTest::newRow("old version") << 2 << 2 << 0u << true;
         QTest::newRow("consistent") << 2 << 2 << 100u << false;
     }
-
     void recentFileLists()
     {
         QFETCH(int, names);
         QFETCH(int, commands);
         QFETCH(unsigned, version);
-        QStringList args{"prog"};
-        MainWindow *w = openWindow(args);
+        MainWindow *w = openWindow();
         CfgNode *cfg = MainWindow::cfg;
-        for (int i = 0; i < names; ++i) {
-            cfg->getArray<QString>(CFG_RECENT_FILE_NAMES)->addValue(QString::number(i));
-            cfg->getArray<QString>(CFG_RECENT_FILE_PARAMS)->addValue(QString::number(i));
-            cfg->getArray<QString>(CFG_RECENT_FILE_APPMODES)->addValue(QString::number(i));
-        }
+        for (int i = 0; i < names; ++i)
+            for (const char *key : {CFG_RECENT_FILE_NAMES, CFG_RECENT_FILE_PARAMS, CFG_RECENT_FILE_APPMODES})
+                cfg->getArray<QString>(key)->addValue(QString::number(i));
         for (int i = 0; i < commands; ++i)
             cfg->getArray<QString>(CFG_RECENT_FILE_COMMANDS)->addValue(QString::number(i));
         cfg->getUInt("UserDirectory/RecentFileVersion")->setValue(version);
@@ -458,7 +409,6 @@ private slots:
         QCOMPARE(cfg->getArray<QString>(CFG_RECENT_FILE_COMMANDS)->size(), cleared ? 0 : commands);
         QCOMPARE(cfg->getUInt("UserDirectory/RecentFileVersion")->getValue(), 100u);
     }
-
     void memoryLimit_data()
     {
         QTest::addColumn<double>("factor");
@@ -470,18 +420,15 @@ private slots:
         QTest::newRow("half") << 0.5 << 8000000 << 4000000;
         QTest::newRow("beyond int") << 100.0 << 2000000000 << 2147483647;
     }
-
     void memoryLimit()
     {
         QFETCH(double, factor);
         QFETCH(int, memory);
         QTEST(virtualMemoryLimit(factor, memory), "limit");
     }
-
     void applyPassesTheLimitAndTheSounds()
     {
-        QStringList args{"prog"};
-        MainWindow *w = openWindow(args);
+        MainWindow *w = openWindow();
         QSignalSpy applied(w, &MainWindow::applyConfigSignal);
         MainWindow::cfg->getDbl("VirtualMemoryLimit")->setValue(50.0);
         MainWindow::cfg->getFileName("RemoteControl/UndoSound2")->setValue(QStringLiteral("/abs/undo.wav"));
@@ -497,35 +444,28 @@ private slots:
         QCOMPARE(RemoteKeyboardHandler::getMeasurementKey(), 0x01000017);
         QCOMPARE(Token::getTempDir(), _userDir->path() + "/tmp");
     }
-
     void safemodeDisablesTheMemoryLimit()
     {
-        {
+        auto saveHalfLimit = [&] {
             std::unique_ptr<CfgNode> node(InitLibrary());
             node->getDbl("VirtualMemoryLimit")->setValue(0.5);
             QVERIFY(ConfigFile::save(node.get(), userFile(".cfg")));
-        }
-        QStringList args{"prog", "-safemode"};
-        const QByteArray out = captureStdout([&] { openWindow(args); });
+        };
+        saveHalfLimit();
+        const QByteArray out = captureStdout([&] { openWindow({"prog", "-safemode"}); });
         QVERIFY2(out.contains("): Safemode: disabling virtual memory limit\n"), out.constData());
         QCOMPARE(MainWindow::cfg->getDbl("VirtualMemoryLimit")->getValue(), 0.0);
         QCOMPARE(OS::getMaxVirtualMemorySize(), 2147483647);
         delete MainWindow::main_win; // saves the factor 0 back
-
-        std::unique_ptr<CfgNode> node(InitLibrary());
-        node->getDbl("VirtualMemoryLimit")->setValue(0.5);
-        QVERIFY(ConfigFile::save(node.get(), userFile(".cfg")));
-        QStringList plain{"prog"};
-        const QByteArray quiet = captureStdout([&] { openWindow(plain); });
+        saveHalfLimit();
+        const QByteArray quiet = captureStdout([&] { openWindow(); });
         QVERIFY(!quiet.contains("Safemode"));
         QCOMPARE(OS::getMaxVirtualMemorySize(), virtualMemoryLimit(0.5, OS::getSizeOfMemory()));
     }
-
     void missingTemporaryDirectoryIsReported()
     {
         GTools::ScriptedDialogs dialogs;
-        QStringList args{"prog"};
-        MainWindow *w = openWindow(args);
+        MainWindow *w = openWindow();
         MainWindow::cfg->getFileName(CFG_TEMP_DIR)->setValue(_userDir->filePath("missing"));
         w->checkConfiguration();
         QCOMPARE(int(dialogs.requests().size()), 1);
@@ -533,7 +473,6 @@ private slots:
                  QStringLiteral("the configured temporary directory does not exist. set an existing and "
                                 "writable directory in the preferences "));
     }
-
     void temporaryFilesOlderThan21DaysGo()
     {
         QTemporaryDir dir;
@@ -554,58 +493,38 @@ private slots:
         QFile::setPermissions(dir.filePath("readonly.tmp"), QFileDevice::ReadOwner);
         QVERIFY(QDir(dir.path()).mkpath("sub"));
         touch("sub/inner.tmp", now.addDays(-30));
-
         cleanTemporaryDirectory(dir.path(), later);
         QVERIFY(!QFile::exists(dir.filePath("old.tmp")));
-        QVERIFY(QFile::exists(dir.filePath("recent.tmp")));
-        QVERIFY(QFile::exists(dir.filePath("readonly.tmp")));
-        QVERIFY(QFile::exists(dir.filePath("sub/inner.tmp")));
+        for (const char *kept : {"recent.tmp", "readonly.tmp", "sub/inner.tmp"})
+            QVERIFY2(QFile::exists(dir.filePath(kept)), kept);
     }
-
     void singletonsRefuseASecondInstance()
     {
-        struct Ssh : SaveSessionHandler {
-            bool canSaveSession() override { return true; }
-            bool saveSession() override { return true; }
-        };
-        struct Resolver : ResolveInterface {
-            QString resolve(const QString &p) override { return p + "!"; }
-        };
-        struct Drop : DropInterface {
-            void handleDrop(QList<QUrl> &) override {}
-        };
-        auto expectThrow = [](auto make, const QString &text) {
-            try {
-                make();
-                QFAIL("no exception");
-            } catch (const ProgError &e) {
-                QCOMPARE(e.getMessage(), text);
-            }
-        };
+        struct Resolver : ResolveInterface { QString resolve(const QString &p) override { return p + "!"; } };
+        struct Drop : DropInterface { void handleDrop(QList<QUrl> &) override {} };
         {
-            Ssh first;
-            expectThrow([] { Ssh second; }, "trying to register second save session handler");
+            SessionSaver first;
+            QCOMPARE(thrownMessage([] { SessionSaver second; }), "trying to register second save session handler");
             QCOMPARE(SaveSessionHandler::ssh, static_cast<SaveSessionHandler *>(&first));
         }
         QVERIFY(!SaveSessionHandler::ssh);
         {
             QCOMPARE(ResolveInterface::resolveParameterString("a=1"), QStringLiteral("a=1"));
             Resolver first;
-            expectThrow([] { Resolver second; }, "ResolveInterface is a singleton class");
+            QCOMPARE(thrownMessage([] { Resolver second; }), "ResolveInterface is a singleton class");
             QCOMPARE(ResolveInterface::resolveParameterString("a=1"), QStringLiteral("a=1!"));
             ResolveInterface::setResolveItems(false);
             QCOMPARE(ResolveInterface::resolveParameterString("a=1"), QStringLiteral("a=1"));
             ResolveInterface::setResolveItems(true);
         }
         auto *drop = new Drop;
-        expectThrow([] { Drop second; }, "Instance exists already");
+        QCOMPARE(thrownMessage([] { Drop second; }), "Instance exists already");
         QCOMPARE(DropInterface::instance(), static_cast<DropInterface *>(drop));
         delete drop;
         Drop again;
         QCOMPARE(DropInterface::instance(), static_cast<DropInterface *>(&again));
-        expectThrow([] { Safemode::registerCallback(nullptr); }, "NULL callback");
+        QCOMPARE(thrownMessage([] { Safemode::registerCallback(nullptr); }), "NULL callback");
     }
-
     void applicationSetsFontSubstitutions()
     {
         // Qt keeps substitutes in lower case.
@@ -617,7 +536,6 @@ private slots:
         QVERIFY(app);
         QCOMPARE(app->myMouseButtons(), QFlags<Qt::MouseButton>(Qt::NoButton));
     }
-
     // The log-off decision: which dialog is asked, what the session manager gets.
     void logOff_data()
     {
@@ -641,33 +559,22 @@ private slots:
         QTest::newRow("exit anyway") << true << true << 1 << 1 << "yesnocancel" << release << 2 << 0;
         QTest::newRow("cancel") << true << true << 1 << 2 << "yesnocancel" << cancel << 0 << 0;
     }
-
     void logOff()
     {
         QFETCH(bool, modified);
         QFETCH(int, handler);
         QFETCH(int, answer);
-        QStringList args{"prog"};
-        openWindow(args);
-        int commits = 0;
-        auto *first = new FakeStatus(1, &commits);
-        auto *second = new FakeStatus(2, &commits);
+        openWindow();
+        addType(1);
+        FakeStatus *second = addType(2);
         second->data = {"part.stl", "scan.asc"};
         if (modified)
             second->modified.insert("scan.asc");
-        MainWindow::smgr->setStatusData(1, first);
-        MainWindow::smgr->setStatusData(2, second);
-        std::unique_ptr<SessionSaver> saver;
-        if (handler) {
-            saver = std::make_unique<SessionSaver>();
-            saver->can = handler != 2;
-            saver->succeeds = handler != 3;
-        }
+        std::unique_ptr<SessionSaver> saver(handler ? new SessionSaver(handler != 2, handler != 3) : nullptr);
         GTools::ScriptedDialogs dialogs(answer);
         QFETCH(bool, interaction);
-        const int result = qobject_cast<Application *>(qApp)->logOffAnswer(interaction);
-        QTEST(result, "result");
-        QTEST(commits, "commits");
+        QTEST(int(qobject_cast<Application *>(qApp)->logOffAnswer(interaction)), "result");
+        QTEST(_commits, "commits");
         QFETCH(QString, dialog);
         QCOMPARE(int(dialogs.requests().size()), dialog.isEmpty() ? 0 : 1);
         if (!dialog.isEmpty()) {
@@ -680,37 +587,24 @@ private slots:
         if (saver)
             QTEST(saver->saves, "saves");
     }
-
     void parserSelectionComesFromTheActiveType()
     {
-        QStringList args{"prog"};
-        openWindow(args);
-        int commits = 0;
-        // The manager starts in mode 0, which this type is.
-        auto *status = new FakeStatus(0, &commits);
-        status->data = {"plane 1", "circle 2"};
-        MainWindow::smgr->setStatusData(0, status);
+        openWindow();
+        addType(0)->data = {"plane 1", "circle 2"}; // the manager starts in mode 0
         GetSelectionInterface *parser = GetSelectionInterface::getInterface();
         QVERIFY(parser);
         QCOMPARE(parser->getSelectedData("elements"), std::vector<QString>({"plane 1", "circle 2"}));
-        try {
-            MainWindow::smgr->getAllData(7);
-            QFAIL("no exception");
-        } catch (const ProgError &e) {
-            QCOMPARE(e.getFunction(), QStringLiteral("Zal::GApp::AppStatusManager::getAllData"));
-            QCOMPARE(e.getMessage(), QStringLiteral("invalid application type"));
-        }
+        const auto e = thrown([] { MainWindow::smgr->getAllData(7); });
+        QVERIFY(e);
+        QCOMPARE(e->getFunction(), QStringLiteral("Zal::GApp::AppStatusManager::getAllData"));
+        QCOMPARE(e->getMessage(), QStringLiteral("invalid application type"));
         delete MainWindow::main_win;
         QVERIFY(!GetSelectionInterface::getInterface());
     }
-
     void logOffRefusedWhileBusyOrObjected()
     {
-        QStringList args{"prog"};
-        openWindow(args);
-        int commits = 0;
-        auto *status = new FakeStatus(1, &commits);
-        MainWindow::smgr->setStatusData(1, status);
+        openWindow();
+        FakeStatus *status = addType(1);
         GTools::ScriptedDialogs dialogs;
         auto *app = qobject_cast<Application *>(qApp);
         MainWindow::smgr->setMenuFunctionActive(true);
@@ -719,9 +613,8 @@ private slots:
         status->canExit = false;
         QCOMPARE(app->logOffAnswer(true), Application::SESSION_CANCEL);
         QVERIFY(dialogs.requests().empty());
-        QCOMPARE(commits, 0);
+        QCOMPARE(_commits, 0);
     }
-
     void qtMessagesGoToStandardError()
     {
         QProcess child;

@@ -11,14 +11,8 @@
 #include "test_util.h"
 #include "tst_file_ops.h"
 #include <QApplication>
-#include <QFile>
 #include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QtTest>
-#include <cstdio>
 #include <functional>
-#include <memory>
-#include <unistd.h>
 
 using namespace Zal;
 using namespace Zal::GApp;
@@ -27,8 +21,7 @@ namespace {
 
 // Runs `fn` with the stream (stdout or stderr) redirected to a file and
 // returns what was written to it.
-template <class F>
-QByteArray capture(FILE *stream, F fn)
+template <class F> QByteArray capture(FILE *stream, F fn)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("out.txt"));
@@ -41,39 +34,19 @@ QByteArray capture(FILE *stream, F fn)
     dup2(saved, fileno(stream));
     ::close(saved);
     std::fclose(f);
-    QFile in(path);
-    in.open(QIODevice::ReadOnly);
-    return in.readAll();
+    return TestUtil::readFile(path);
 }
 
 // A status data that writes every call it gets into a shared journal.
 class JournalStatus : public StatusData
 {
 public:
-    JournalStatus(unsigned int mode, QStringList *journal, const QString &view = QString())
-        : StatusData(mode, view), _journal(journal)
-    {
-    }
-
+    JournalStatus(unsigned int mode, QStringList *journal) : StatusData(mode, QString()), _journal(journal) {}
     QString getMainMenuName() override { return QStringLiteral("menu%1").arg(getLocalMode()); }
-    bool isAppModeChangePossible(unsigned int mode) override
-    {
-        note(QStringLiteral("possible(%1)").arg(mode));
-        return changePossible;
-    }
-    void beforeModeChange(unsigned int mode) override
-    {
-        note(QStringLiteral("before(%1)").arg(mode));
-    }
-    void afterModeChange(unsigned int mode) override
-    {
-        note(QStringLiteral("after(%1)").arg(mode));
-    }
-    bool canExitProgram() override
-    {
-        note(QStringLiteral("canExit"));
-        return canExit;
-    }
+    bool isAppModeChangePossible(unsigned int mode) override { return note(QStringLiteral("possible(%1)").arg(mode), true); }
+    void beforeModeChange(unsigned int mode) override { note(QStringLiteral("before(%1)").arg(mode)); }
+    void afterModeChange(unsigned int mode) override { note(QStringLiteral("after(%1)").arg(mode)); }
+    bool canExitProgram() override { return note(QStringLiteral("canExit"), canExit); }
     void exitProgram() override { note(QStringLiteral("exit")); }
     void commitData() override { note(QStringLiteral("commit")); }
     bool isEmpty() override { return true; }
@@ -91,46 +64,41 @@ public:
     }
     QString getFileNameExtension(const QString &name) override
     {
-        note(QStringLiteral("extension(%1)").arg(name));
-        return QStringLiteral(".") + name;
+        return note(QStringLiteral("extension(%1)").arg(name), QStringLiteral(".") + name);
     }
     using StatusData::getFileNameExtension;
     bool saveFileAs(const std::vector<QString> &names, const QString &fileName, RenameType_t rename,
                     QString *errorCode, ErrorLog *) override
     {
-        note(QStringLiteral("saveAs(%1,%2,%3)").arg(names.size()).arg(fileName).arg(int(rename)));
         *errorCode = QStringLiteral("code");
-        return true;
+        return note(QStringLiteral("saveAs(%1,%2,%3)").arg(names.size()).arg(fileName).arg(int(rename)), true);
     }
-
-    bool changePossible = true;
-    bool canExit = true;
+    bool canExit = true, selectedModified = false;
     QString selectedName;
-    bool selectedModified = false;
 
 private:
-    void note(const QString &what)
+    // Records "<mode>:<what>" and passes `answer` through.
+    template <class T = bool> T note(const QString &what, T answer = T())
     {
         _journal->append(QStringLiteral("%1:%2").arg(getLocalMode()).arg(what));
+        return answer;
     }
     QStringList *_journal;
 };
+
+// Adds one journalling type per mode, in the order given.
+void addTypes(AppStatusManager &m, QStringList &journal, std::initializer_list<unsigned int> modes)
+{
+    for (unsigned int mode : modes)
+        m.setStatusData(mode, new JournalStatus(mode, &journal));
+}
 
 class JournalNotifier : public ExitNotifier
 {
 public:
     JournalNotifier(const QString &name, QStringList *journal) : _name(name), _journal(journal) {}
-    bool canExitProgram() override
-    {
-        _journal->append(_name + QStringLiteral(":canExit"));
-        return canExit;
-    }
-    void exitProgram() override
-    {
-        _journal->append(_name + QStringLiteral(":exit"));
-        if (onExit)
-            onExit();
-    }
+    bool canExitProgram() override { _journal->append(_name + QStringLiteral(":canExit")); return canExit; }
+    void exitProgram() override { _journal->append(_name + QStringLiteral(":exit")); if (onExit) onExit(); }
     bool canExit = true;
     std::function<void()> onExit;
 
@@ -154,9 +122,8 @@ private:
 class NoProfileMenus : public ProfileMenuProvider
 { std::vector<QString> getProfileNames() const override { return {}; } };
 
-class PlainCommand : public TestUtil::StubCommand
+struct PlainCommand : TestUtil::StubCommand
 {
-public:
     explicit PlainCommand(const QString &name) : StubCommand(name, false) {}
 };
 
@@ -175,20 +142,17 @@ class TestStatus : public QObject
 private slots:
     void init()
     {
-        MainWindow::debug_views = false;
-        MainWindow::debug_signals = false;
+        MainWindow::debug_views = MainWindow::debug_signals = false;
+        _journal.clear();
     }
 
     void cleanup()
     {
-        delete _win; // also deletes its status manager
-        _win = nullptr;
+        delete std::exchange(_win, nullptr); // also deletes its status manager
         _env.reset();
         CommandContainer::deleteAllCommands();
         GTools::remote_ctrl_command_active = false;
     }
-
-    // --- status data records ----------------------------------------------
 
     void checkMagicHeader_data()
     {
@@ -209,28 +173,23 @@ private slots:
     {
         QFETCH(QByteArray, bytes);
         QFETCH(QString, magic);
-        QFETCH(bool, match);
         const TestUtil::StubStatus status(3, QString(), QStringLiteral("view3"));
-        const std::vector<char> v(bytes.begin(), bytes.end());
-        QCOMPARE(status.checkMagicHeader(v, magic), match);
+        QTEST(status.checkMagicHeader(std::vector<char>(bytes.begin(), bytes.end()), magic), "match");
     }
 
     void unofferedOperationsAnswerNotInThisMode_data()
     {
         QTest::addColumn<int>("operation");
-        QTest::newRow("saveFile") << 0;
-        QTest::newRow("saveFileAs") << 1;
-        QTest::newRow("closeData") << 2;
-        QTest::newRow("copyToClipboard") << 3;
-        QTest::newRow("pasteFromClipboard") << 4;
-        QTest::newRow("saveFileAsRecent") << 5;
+        int operation = 0;
+        for (const char *name : {"saveFile", "saveFileAs", "closeData", "copyToClipboard", "pasteFromClipboard",
+                                 "saveFileAsRecent"})
+            QTest::newRow(name) << operation++;
     }
     void unofferedOperationsAnswerNotInThisMode()
     {
         QFETCH(int, operation);
         TestUtil::StubStatus s(3, QString(), QStringLiteral("view3"));
-        QString code;
-        QString other;
+        QString code, other;
         ErrorLog log;
         const std::vector<QString> names{QStringLiteral("a")};
         bool ok = true;
@@ -240,9 +199,7 @@ private slots:
         case 2: ok = s.closeData(names, &code, &log); break;
         case 3: ok = s.copyToClipboard(names, names, &code, &log); break;
         case 4: ok = s.pasteFromClipboard(names, names, &other, &code, &log); break;
-        case 5:
-            ok = s.saveFileAsRecent(names, QStringLiteral("f"), RENAME_NONE, &other, &code, &log);
-            break;
+        case 5: ok = s.saveFileAsRecent(names, QStringLiteral("f"), RENAME_NONE, &other, &code, &log); break;
         }
         QVERIFY(!ok);
         QCOMPARE(code, QStringLiteral("GAPP-0016"));
@@ -252,8 +209,6 @@ private slots:
     void defaultAnswers()
     {
         TestUtil::StubStatus s(3, QString(), QStringLiteral("view3"));
-        QCOMPARE(s.getLocalMode(), 3u);
-        QCOMPARE(s.getStandardView(), QStringLiteral("view3"));
         QVERIFY(!s.isReadOnly());
         QCOMPARE(s.getLocalModeName(), QString());
         QVERIFY(s.cleanupInconsistentState());
@@ -262,39 +217,29 @@ private slots:
         QVERIFY(!s.getSelectedDataName(&name, &modified));
         QCOMPARE(int(s.isStageActive(QStringLiteral("s"))), 2);
         QVERIFY(s.getActualStageIdentifier() == StageIdentifier::NO_STAGE);
-        QVERIFY(
-            s.getStageNumbers(QString(), StatusData::EXPLORER_AT, StatusData::EXPLORER_INDEX_UNUSED)
-                .empty());
+        QVERIFY(s.getStageNumbers(QString(), StatusData::EXPLORER_AT, StatusData::EXPLORER_INDEX_UNUSED).empty());
         QVERIFY(s.getFileNameExtension(std::vector<QString>{QStringLiteral("x")}).isEmpty());
         QCOMPARE(StatusData::EXPLORER_INDEX_UNUSED, 2147483647);
         QCOMPARE(StatusData::STAGE_UNUSED, -1);
         QCOMPARE(QString::fromLatin1(StatusData::DEFAULT_SELECTION), QString());
     }
 
-    void saveFileAsRecentRecordsNameAndSavesAs()
+    // saveFileAsRecent records the name and saves as; the extension of a list is its first name's.
+    void defaultForwardingMethods()
     {
-        QStringList journal;
-        JournalStatus s(1, &journal);
-        QString recent;
-        QString code;
+        JournalStatus s(1, &_journal);
+        QString recent, code;
         const std::vector<QString> names{QStringLiteral("a"), QStringLiteral("b")};
-        QVERIFY(s.saveFileAsRecent(names, QStringLiteral("f.gap"), RENAME_COPY, &recent, &code,
-                                   nullptr));
+        QVERIFY(s.saveFileAsRecent(names, QStringLiteral("f.gap"), RENAME_COPY, &recent, &code, nullptr));
         QCOMPARE(recent, QStringLiteral("f.gap"));
         QCOMPARE(code, QStringLiteral("code"));
-        QCOMPARE(journal, QStringList{QStringLiteral("1:saveAs(2,f.gap,2)")});
-    }
-
-    void fileNameExtensionOfListUsesFirstName()
-    {
-        QStringList journal;
-        JournalStatus s(1, &journal);
+        QCOMPARE(_journal, QStringList{QStringLiteral("1:saveAs(2,f.gap,2)")});
+        _journal.clear();
         QCOMPARE(s.getFileNameExtension(std::vector<QString>()), QString());
-        QVERIFY(journal.isEmpty());
-        QCOMPARE(
-            s.getFileNameExtension(std::vector<QString>{QStringLiteral("x"), QStringLiteral("y")}),
-            QStringLiteral(".x"));
-        QCOMPARE(journal, QStringList{QStringLiteral("1:extension(x)")});
+        QVERIFY(_journal.isEmpty());
+        QCOMPARE(s.getFileNameExtension(std::vector<QString>{QStringLiteral("x"), QStringLiteral("y")}),
+                 QStringLiteral(".x"));
+        QCOMPARE(_journal, QStringList{QStringLiteral("1:extension(x)")});
     }
 
     void itemIndexForms()
@@ -302,16 +247,16 @@ private slots:
         const ItemIndex byNumber(7u);
         const ItemIndex byName(QStringLiteral("plane"));
         ItemIndex byTuple(std::vector<int>{1, 2});
-        QCOMPARE(int(byNumber.getType()), 0);
-        QCOMPARE(byNumber.getIndex(), 7u);
-        QVERIFY(byNumber.getName().isEmpty() && byNumber.getTuple().empty());
-        QCOMPARE(int(byName.getType()), 1);
-        QCOMPARE(byName.getIndex(), 0u);
-        QCOMPARE(byName.getName(), QStringLiteral("plane"));
-        QCOMPARE(int(byTuple.getType()), 2);
-        QCOMPARE(byTuple.getIndex(), 0u);
-        QVERIFY(byTuple.getName().isEmpty());
-        QVERIFY(byTuple.getTuple() == std::vector<int>({1, 2}));
+        // Each form leaves the other two fields empty.
+        for (const auto &[index, type, number, name, tuple] :
+             {std::make_tuple(byNumber, 0, 7u, QString(), std::vector<int>()),
+              std::make_tuple(byName, 1, 0u, QStringLiteral("plane"), std::vector<int>()),
+              std::make_tuple(byTuple, 2, 0u, QString(), std::vector<int>{1, 2})}) {
+            QCOMPARE(int(index.getType()), type);
+            QCOMPARE(index.getIndex(), number);
+            QCOMPARE(index.getName(), name);
+            QVERIFY(index.getTuple() == tuple);
+        }
         byTuple = byName;
         QCOMPARE(int(byTuple.getType()), 1);
         QCOMPARE(byTuple.getName(), QStringLiteral("plane"));
@@ -326,17 +271,14 @@ private slots:
         QVERIFY(none.point == BaPoint3d<double>(0, 0, 0, -1));
         QVERIFY(none.normal == BaVec3d<double>(0, 0, 0));
         QVERIFY(!none.flag && !none.additional_data);
-
-        struct Tracked : ObjectPointAdditionalData
-        {
+        struct Tracked : ObjectPointAdditionalData {
             explicit Tracked(bool *alive) : _alive(alive) { *alive = true; }
             ~Tracked() override { *_alive = false; }
             bool *_alive;
         };
         bool alive = false;
         auto data = std::make_unique<Tracked>(&alive);
-        ObjectPointDescriptor p(BaPoint3d<double>(1, 2, 3), QStringLiteral("sphere"),
-                                BaVec3d<double>(0, 0, 1), true);
+        ObjectPointDescriptor p(BaPoint3d<double>(1, 2, 3), QStringLiteral("sphere"), BaVec3d<double>(0, 0, 1), true);
         QCOMPARE(int(p.additional_type), 0);
         p.setAdditionalData(ObjectPointDescriptor::ADDITIONAL_MESH_DATA, data.get());
         {
@@ -365,8 +307,6 @@ private slots:
         QCOMPARE(ids.getUniqueIdText(999), QString());
     }
 
-    // --- the manager: types and modes -------------------------------------
-
     void progErrorTexts_data()
     {
         QTest::addColumn<int>("misuse");
@@ -377,11 +317,9 @@ private slots:
         QTest::newRow("unknown type") << 1 << f + "getStatus" << "invalid application type";
         QTest::newRow("menu function twice") << 2 << f + "setMenuFunctionActive" << "second menu function is active";
         QTest::newRow("menu function off") << 3 << f + "setMenuFunctionActive" << "second menu function is active";
-        QTest::newRow("figure flag") << 4 << f + "setFigureOperationInCommandEnabled"
-                                     << "Flag has never been set before";
+        QTest::newRow("figure flag") << 4 << f + "setFigureOperationInCommandEnabled" << "Flag has never been set before";
         QTest::newRow("pop empty") << 5 << f + "popActiveCommand" << "no active command left";
-        QTest::newRow("second provider") << 6 << f + "registerSpecialMenuProvider"
-                                         << "cannot register second provider for special menu.";
+        QTest::newRow("second provider") << 6 << f + "registerSpecialMenuProvider" << "cannot register second provider for special menu.";
         QTest::newRow("notifier twice") << 7 << f + "registerExitNotifier" << "Exit notifier already registered";
         QTest::newRow("unknown notifier") << 8 << f + "unregisterExitNotifier" << "Exit notifier not registered";
         QTest::newRow("mode change query") << 9 << f + "getStatus" << "invalid application type";
@@ -389,27 +327,20 @@ private slots:
     void progErrorTexts()
     {
         QFETCH(int, misuse);
-        QFETCH(QString, function);
-        QFETCH(QString, message);
         AppStatusManager m;
-        QStringList journal;
-        m.setStatusData(1, new JournalStatus(1, &journal));
+        m.setStatusData(1, new JournalStatus(1, &_journal));
         MenuProvider provider;
-        JournalNotifier notifier(QStringLiteral("n"), &journal);
-        JournalNotifier stranger(QStringLiteral("s"), &journal);
+        JournalNotifier notifier(QStringLiteral("n"), &_journal), stranger(QStringLiteral("s"), &_journal);
         m.registerSpecialMenuProvider(QStringLiteral("recent"), &provider);
         m.registerExitNotifier(&notifier);
         m.setMenuFunctionActive(true);
-        auto *extra = new JournalStatus(1, &journal);
+        auto *extra = new JournalStatus(1, &_journal);
         try {
             switch (misuse) {
             case 0: m.setStatusData(1, extra); break;
             case 1: m.getStatus(2); break;
             case 2: m.setMenuFunctionActive(true); break;
-            case 3:
-                m.setMenuFunctionActive(false);
-                m.setMenuFunctionActive(false);
-                break;
+            case 3: m.setMenuFunctionActive(false), m.setMenuFunctionActive(false); break;
             case 4: m.setFigureOperationInCommandEnabled(false); break;
             case 5: m.popActiveCommand(); break;
             case 6: m.registerSpecialMenuProvider(QStringLiteral("recent"), &provider); break;
@@ -419,24 +350,21 @@ private slots:
             }
             QFAIL("no ProgError");
         } catch (const ProgError &e) {
-            QCOMPARE(e.getFunction(), function);
+            QTEST(e.getFunction(), "function");
             QCOMPARE(e.getFile(), QStringLiteral("gapp_status_mgr"));
-            QCOMPARE(e.getMessage(), message);
+            QTEST(e.getMessage(), "message");
         }
         delete extra;
         // State is unchanged by the refused operation.
         QCOMPARE(m.getAppModes(), std::vector<unsigned int>{1});
         QCOMPARE(m.getSpecialMenuProvider(QStringLiteral("recent")), &provider);
-        QVERIFY(journal.isEmpty());
+        QVERIFY(_journal.isEmpty());
     }
 
     void modesAreListedInAscendingOrder()
     {
         AppStatusManager m;
-        QStringList journal;
-        m.setStatusData(5, new JournalStatus(5, &journal));
-        m.setStatusData(1, new JournalStatus(1, &journal));
-        m.setStatusData(3, new JournalStatus(3, &journal));
+        addTypes(m, _journal, {5, 1, 3});
         QCOMPARE(m.getAppModes(), (std::vector<unsigned int>{1, 3, 5}));
         QCOMPARE(m.getStatus(3)->getLocalMode(), 3u);
         QCOMPARE(m.getAppMode(), 0u);
@@ -448,29 +376,22 @@ private slots:
     void modeChangeTellsEveryTypeInOrder()
     {
         AppStatusManager m;
-        QStringList journal;
-        m.setStatusData(4, new JournalStatus(4, &journal));
-        m.setStatusData(2, new JournalStatus(2, &journal));
-        m.setStatusData(7, new JournalStatus(7, &journal));
+        addTypes(m, _journal, {4, 2, 7});
         m.setAppMode(2);
         QCOMPARE(m.getAppMode(), 2u);
-        QCOMPARE(journal, QStringList({"2:before(2)", "4:before(2)", "7:before(2)", "2:after(0)",
-                                       "4:after(0)", "7:after(0)"}));
-        journal.clear();
+        QCOMPARE(_journal, QStringList({"2:before(2)", "4:before(2)", "7:before(2)", "2:after(0)", "4:after(0)", "7:after(0)"}));
+        _journal.clear();
         m.setAppMode(7);
-        QCOMPARE(journal, QStringList({"2:before(7)", "4:before(7)", "7:before(7)", "2:after(2)",
-                                       "4:after(2)", "7:after(2)"}));
-        journal.clear();
+        QCOMPARE(_journal, QStringList({"2:before(7)", "4:before(7)", "7:before(7)", "2:after(2)", "4:after(2)", "7:after(2)"}));
+        _journal.clear();
         QVERIFY(m.isAppModeChangePossible(4));
-        QCOMPARE(journal, QStringList{"7:possible(4)"});
+        QCOMPARE(_journal, QStringList{"7:possible(4)"});
     }
 
     void modeChangeToUnregisteredModeThrowsAfterTellingAll()
     {
         AppStatusManager m;
-        QStringList journal;
-        m.setStatusData(1, new JournalStatus(1, &journal));
-        m.setStatusData(2, new JournalStatus(2, &journal));
+        addTypes(m, _journal, {1, 2});
         try {
             m.setAppMode(9);
             QFAIL("no ProgError");
@@ -478,38 +399,29 @@ private slots:
             QCOMPARE(e.getMessage(), QStringLiteral("invalid application type"));
         }
         QCOMPARE(m.getAppMode(), 9u);
-        QCOMPARE(journal, QStringList({"1:before(9)", "2:before(9)", "1:after(0)", "2:after(0)"}));
+        QCOMPARE(_journal, QStringList({"1:before(9)", "2:before(9)", "1:after(0)", "2:after(0)"}));
     }
 
     void modeChangeDebugLines()
     {
         AppStatusManager m;
-        QStringList journal;
         const unsigned int measure = m.getUniqueId(QStringLiteral("measure"));
         const unsigned int inspect = m.getUniqueId(QStringLiteral("inspect"));
-        m.setStatusData(measure, new JournalStatus(measure, &journal));
-        m.setStatusData(inspect, new JournalStatus(inspect, &journal));
+        addTypes(m, _journal, {measure, inspect});
         MainWindow::debug_views = true;
         const QByteArray out = capture(stdout, [&] { m.setAppMode(inspect); });
         MainWindow::debug_views = false;
-        QCOMPARE(out, QByteArray("Before mode change 'measure'\n"
-                                 "Before mode change 'measure' ok\n"
-                                 "Before mode change 'inspect'\n"
-                                 "Before mode change 'inspect' ok\n"
-                                 "After mode change 'measure'\n"
-                                 "After mode change 'measure' ok\n"
-                                 "After mode change 'inspect'\n"
-                                 "After mode change 'inspect' ok\n"));
+        QCOMPARE(out, QByteArray("Before mode change 'measure'\nBefore mode change 'measure' ok\n"
+                                 "Before mode change 'inspect'\nBefore mode change 'inspect' ok\n"
+                                 "After mode change 'measure'\nAfter mode change 'measure' ok\n"
+                                 "After mode change 'inspect'\nAfter mode change 'inspect' ok\n"));
         QCOMPARE(capture(stdout, [&] { m.setAppMode(measure); }), QByteArray());
     }
-
-    // --- flags ----------------------------------------------------------------
 
     void figureOperationsFollowTheCommandLevel()
     {
         AppStatusManager m;
-        PlainCommand outer(QStringLiteral("a.outer"));
-        PlainCommand inner(QStringLiteral("a.inner"));
+        PlainCommand outer(QStringLiteral("a.outer")), inner(QStringLiteral("a.inner"));
         QVERIFY(m.isFigureOperationInCommandEnabled());
         m.pushActiveCommand(&outer);
         QVERIFY(!m.isFigureOperationInCommandEnabled());
@@ -543,54 +455,44 @@ private slots:
     void activeCommandStack()
     {
         AppStatusManager m;
-        PlainCommand a(QStringLiteral("a.a"));
-        PlainCommand b(QStringLiteral("a.b"));
+        PlainCommand a(QStringLiteral("a.a")), b(QStringLiteral("a.b"));
         Command *top = &a;
         QVERIFY(!m.getActiveCommand(&top));
-        QCOMPARE(top, &a);
+        QCOMPARE(top, &a); // left alone without a command
         QVERIFY(!m.isCommandActive());
         m.pushActiveCommand(&a);
         m.pushActiveCommand(&b);
-        QVERIFY(m.getActiveCommand(&top));
-        QCOMPARE(top, &b);
-        m.popActiveCommand();
-        QVERIFY(m.getActiveCommand(&top));
-        QCOMPARE(top, &a);
-        m.popActiveCommand();
+        for (Command *expected : {&b, &a}) {
+            top = nullptr;
+            QVERIFY(m.getActiveCommand(&top));
+            QCOMPARE(top, expected);
+            m.popActiveCommand();
+        }
         QVERIFY(!m.isCommandActive());
     }
-
-    // --- signals ----------------------------------------------------------------
 
     void preSignalsComeFirst()
     {
         AppStatusManager m;
         QStringList order;
-        connect(&m, &AppStatusManager::selectionChangedSignal, this,
-                [&](uint app, SelectionMode_t mode) {
-                    order << QStringLiteral("selection %1 %2").arg(app).arg(int(mode));
-                });
-        connect(&m, &AppStatusManager::selectionPreChangedSignal, this,
-                [&](uint app, SelectionMode_t mode) {
-                    order << QStringLiteral("pre-selection %1 %2").arg(app).arg(int(mode));
-                });
-        connect(&m, &AppStatusManager::dataChangedSignal, this, [&](uint app, uint reason) {
-            order << QStringLiteral("data %1 %2").arg(app).arg(reason);
-        });
-        connect(&m, &AppStatusManager::dataPreChangedSignal, this, [&](uint app, uint reason) {
-            order << QStringLiteral("pre-data %1 %2").arg(app).arg(reason);
-        });
+        auto log = [&](const char *what) {
+            return [&order, what](uint app, auto detail) {
+                order << QStringLiteral("%1 %2 %3").arg(QLatin1String(what)).arg(app).arg(uint(detail));
+            };
+        };
+        connect(&m, &AppStatusManager::selectionChangedSignal, this, log("selection"));
+        connect(&m, &AppStatusManager::selectionPreChangedSignal, this, log("pre-selection"));
+        connect(&m, &AppStatusManager::dataChangedSignal, this, log("data"));
+        connect(&m, &AppStatusManager::dataPreChangedSignal, this, log("pre-data"));
         m.emitSelectionChanged(3, SELECTION_ADDED);
         m.emitDataChanged(4, 17);
-        QCOMPARE(order,
-                 QStringList({"pre-selection 3 1", "selection 3 1", "pre-data 4 17", "data 4 17"}));
+        QCOMPARE(order, QStringList({"pre-selection 3 1", "selection 3 1", "pre-data 4 17", "data 4 17"}));
     }
 
     void commandEmitsForTheActiveMode()
     {
         auto *m = new AppStatusManager;
-        QStringList journal;
-        m->setStatusData(2, new JournalStatus(2, &journal));
+        m->setStatusData(2, new JournalStatus(2, &_journal));
         m->setAppMode(2);
         MainWindow::smgr = m;
         PlainCommand cmd(QStringLiteral("a.cmd"));
@@ -612,8 +514,8 @@ private slots:
     {
         AppStatusManager m;
         QSignalSpy points(&m, &AppStatusManager::objectPointNormalSelectedSignal);
-        m.emitObjectPointNormalSelected({ObjectPointDescriptor(
-            BaPoint3d<double>(1, 2, 3), QStringLiteral("p"), BaVec3d<double>(), false)});
+        m.emitObjectPointNormalSelected(
+            {ObjectPointDescriptor(BaPoint3d<double>(1, 2, 3), QStringLiteral("p"), BaVec3d<double>(), false)});
         QCOMPARE(points.count(), 1);
         const auto sent = points.at(0).at(0).value<std::vector<ObjectPointDescriptor>>();
         QCOMPARE(sent.size(), size_t(1));
@@ -623,16 +525,13 @@ private slots:
     void visualizationDebugLinesFrameTheSignal()
     {
         AppStatusManager m;
-        connect(&m, &AppStatusManager::visualizationChangedSignal, this,
-                [&] { std::printf("receiver\n"); });
+        connect(&m, &AppStatusManager::visualizationChangedSignal, this, [&] { std::printf("receiver\n"); });
         MainWindow::debug_signals = true;
         const QByteArray out = capture(stdout, [&] { m.emitVisualizationChanged(0, 0); });
         MainWindow::debug_signals = false;
         QCOMPARE(out, QByteArray("Signal: visualizationChangedSignal\nreceiver\n"
                                  "Signal: visualizationChangedSignal ok\n"));
     }
-
-    // --- menu providers ----------------------------------------------------------
 
     void destroyedProviderLeavesOnlyItsEntry()
     {
@@ -653,9 +552,7 @@ private slots:
     void providerOfMenuIsFirstInNameOrder()
     {
         AppStatusManager m;
-        MenuProvider b(fakeMenu(1));
-        MenuProvider a(fakeMenu(1));
-        MenuProvider c(fakeMenu(2));
+        MenuProvider b(fakeMenu(1)), a(fakeMenu(1)), c(fakeMenu(2));
         m.registerSpecialMenuProvider(QStringLiteral("b"), &b);
         m.registerSpecialMenuProvider(QStringLiteral("a"), &a);
         m.registerSpecialMenuProvider(QStringLiteral("c"), &c);
@@ -669,8 +566,7 @@ private slots:
     void secondProfileProviderIsReportedAndReplaces()
     {
         AppStatusManager m;
-        NoProfileMenus first;
-        NoProfileMenus second;
+        NoProfileMenus first, second;
         QCOMPARE(capture(stderr, [&] { m.registerProfileMenuProvider(&first); }), QByteArray());
         QCOMPARE(m.getProfileMenuProvider(), &first);
         const QByteArray report = capture(stderr, [&] { m.registerProfileMenuProvider(&second); });
@@ -679,64 +575,52 @@ private slots:
         QCOMPARE(m.getProfileMenuProvider(), &second);
     }
 
-    // --- exit -----------------------------------------------------------------------
-
     void exitQuestionsStopAtFirstRefusal_data()
     {
         QTest::addColumn<bool>("typeAgrees");
         QTest::addColumn<bool>("notifierAgrees");
         QTest::addColumn<bool>("result");
         QTest::addColumn<QStringList>("asked");
-        QTest::newRow("all agree") << true << true << true << QStringList{"1:canExit", "2:canExit", "n:canExit"};
+        const QStringList all{"1:canExit", "2:canExit", "n:canExit"};
+        QTest::newRow("all agree") << true << true << true << all;
         QTest::newRow("type refuses") << false << true << false << QStringList{"1:canExit"};
-        QTest::newRow("notifier refuses")
-            << true << false << false << QStringList{"1:canExit", "2:canExit", "n:canExit"};
+        QTest::newRow("notifier refuses") << true << false << false << all;
     }
     void exitQuestionsStopAtFirstRefusal()
     {
         QFETCH(bool, typeAgrees);
         QFETCH(bool, notifierAgrees);
-        QFETCH(bool, result);
-        QFETCH(QStringList, asked);
         AppStatusManager m;
-        QStringList journal;
-        auto *first = new JournalStatus(1, &journal);
-        first->canExit = typeAgrees;
-        m.setStatusData(2, new JournalStatus(2, &journal));
-        m.setStatusData(1, first);
-        JournalNotifier notifier(QStringLiteral("n"), &journal);
+        addTypes(m, _journal, {2, 1});
+        static_cast<JournalStatus *>(m.getStatus(1))->canExit = typeAgrees;
+        JournalNotifier notifier(QStringLiteral("n"), &_journal);
         notifier.canExit = notifierAgrees;
         m.registerExitNotifier(&notifier);
-        QCOMPARE(m.callCanExitProgram(), result);
-        QCOMPARE(journal, asked);
+        QTEST(m.callCanExitProgram(), "result");
+        QTEST(_journal, "asked");
     }
 
     void exitReachesTypesThenNotifiers()
     {
         AppStatusManager m;
-        QStringList journal;
-        m.setStatusData(2, new JournalStatus(2, &journal));
-        m.setStatusData(1, new JournalStatus(1, &journal));
-        JournalNotifier leaving(QStringLiteral("n"), &journal);
+        addTypes(m, _journal, {2, 1});
+        JournalNotifier leaving(QStringLiteral("n"), &_journal);
         leaving.onExit = [&] { m.unregisterExitNotifier(&leaving); };
         m.registerExitNotifier(&leaving);
         m.callExitProgram();
-        QCOMPARE(journal, QStringList({"1:exit", "2:exit", "n:exit"}));
-        journal.clear();
+        QCOMPARE(_journal, QStringList({"1:exit", "2:exit", "n:exit"}));
+        _journal.clear();
         m.callExitProgram(); // the notifier left
-        QCOMPARE(journal, QStringList({"1:exit", "2:exit"}));
-        journal.clear();
+        QCOMPARE(_journal, QStringList({"1:exit", "2:exit"}));
+        _journal.clear();
         m.callCommitData();
-        QCOMPARE(journal, QStringList({"1:commit", "2:commit"}));
+        QCOMPARE(_journal, QStringList({"1:commit", "2:commit"}));
     }
-
-    // --- with the main window ------------------------------------------------------------
 
     void lastPopFinishesTheMenuCommand()
     {
         AppStatusManager *m = createMainWindow();
-        PlainCommand outer(QStringLiteral("a.outer"));
-        PlainCommand inner(QStringLiteral("a.inner"));
+        PlainCommand outer(QStringLiteral("a.outer")), inner(QStringLiteral("a.inner"));
         QSignalSpy finished(_win, &MainWindow::menuCommandFinishedSignal);
         m->pushActiveCommand(&outer);
         m->pushActiveCommand(&inner);
@@ -754,26 +638,23 @@ private slots:
     void requestedExitWaitsForTheLastPop()
     {
         AppStatusManager *m = createMainWindow();
-        QStringList journal;
-        m->setStatusData(0, new JournalStatus(0, &journal));
-        PlainCommand outer(QStringLiteral("a.outer"));
-        PlainCommand inner(QStringLiteral("a.inner"));
+        m->setStatusData(0, new JournalStatus(0, &_journal));
+        PlainCommand outer(QStringLiteral("a.outer")), inner(QStringLiteral("a.inner"));
         m->pushActiveCommand(&outer);
         m->pushActiveCommand(&inner);
         _win->setExitRequested();
         m->popActiveCommand();
         QVERIFY(!_win->isExiting());
-        QVERIFY(journal.isEmpty());
+        QVERIFY(_journal.isEmpty());
         m->popActiveCommand();
         QVERIFY(_win->isExiting());
-        QCOMPARE(journal, QStringList{"0:exit"});
+        QCOMPARE(_journal, QStringList{"0:exit"});
     }
 
     void signalsRefreshActionsAndCaptionAfterReceivers()
     {
         AppStatusManager *m = createMainWindow();
-        QStringList journal;
-        auto *status = new JournalStatus(0, &journal);
+        auto *status = new JournalStatus(0, &_journal);
         m->setStatusData(0, status);
         QStringList order;
         connect(m, &AppStatusManager::dataChangedSignal, this, [&] {
@@ -781,8 +662,7 @@ private slots:
             status->selectedName = QStringLiteral("part.gap");
             status->selectedModified = true;
         });
-        connect(_win, &MainWindow::setMenuSensitiveSignal, this,
-                [&] { order << QStringLiteral("sensitivity"); });
+        connect(_win, &MainWindow::setMenuSensitiveSignal, this, [&] { order << QStringLiteral("sensitivity"); });
         m->emitDataChanged(0, 1);
         QCOMPARE(order, QStringList({"receiver", "sensitivity"}));
         QVERIFY(_win->windowTitle().startsWith(QStringLiteral("part.gap(*)")));
@@ -797,14 +677,14 @@ private:
     AppStatusManager *createMainWindow()
     {
         _env = std::make_unique<TestUtil::Environment>();
-        auto *m = new AppStatusManager;
         QStringList args{QStringLiteral("tst_status")};
-        _win = new MainWindow("Test", m, nullptr, args);
-        return m;
+        _win = new MainWindow("Test", new AppStatusManager, nullptr, args);
+        return MainWindow::smgr;
     }
 
     std::unique_ptr<TestUtil::Environment> _env;
     MainWindow *_win = nullptr;
+    QStringList _journal; // what the JournalStatus and JournalNotifier objects were asked
 };
 
 int main(int argc, char **argv)
